@@ -13,7 +13,7 @@ namespace ombrix {
 /// has no value, 6 an internal error. A copy keeps every member, so that a failure met on a search
 /// thread can be thrown again on the thread that called solve.
 class OXException : public std::exception {
- public:
+public:
   OXException(int code, std::string fileName, int lineNumber, std::string functionName,
               std::string explanation);
   OXException(const OXException&) = default;
@@ -30,7 +30,7 @@ class OXException : public std::exception {
   /// The message for the user, without the head of what().
   const std::string& getExplanation() const { return explanation; }
 
- private:
+private:
   int code;
   std::string fileName;
   std::string functionName;

@@ -14,7 +14,7 @@ class OXModel;
 /// One vertex of a model: an operator over operands. The object is the record itself, created and
 /// owned by its OXModel, so a pointer to it stays valid as long as the model.
 class OXExpression {
- public:
+public:
   OXExpression(const OXExpression&) = delete;
   OXExpression& operator=(const OXExpression&) = delete;
 
@@ -56,15 +56,16 @@ class OXExpression {
   std::string toString() const;
   std::string getInfo() const;
 
- private:
+private:
   friend class OXModel;
   friend struct ModelRecord;
 
   OXExpression(OXModel* owner, int position, OXOperator operation);
   ~OXExpression() = default;
 
-  /// A constant holds its value; up to two operands stand inline; more stand in an array of the heap
-  /// whose last slot holds the sentinel -1 and whose free slots hold 0. nbOperands tells which.
+  /// A constant holds its value; up to two operands stand inline; more stand in an array of the
+  /// heap whose last slot holds the sentinel -1 and whose free slots hold 0. nbOperands tells
+  /// which.
   union Data {
     std::int64_t intValue;
     double doubleValue;

@@ -19,7 +19,7 @@ class Ombrix;
 /// A model: a directed acyclic graph of expressions, some of them boolean decisions, some marked as
 /// constraints, some as objectives. Owned by its Ombrix; owns its expressions.
 class OXModel {
- public:
+public:
   OXModel(const OXModel&) = delete;
   OXModel& operator=(const OXModel&) = delete;
   ~OXModel();
@@ -51,7 +51,7 @@ class OXModel {
   bool isClosed() const;
   std::string toString() const;
 
- private:
+private:
   friend class Ombrix;
   friend class OXExpression;
   friend struct ModelRecord;

@@ -16,7 +16,9 @@ inline constexpr ValueType kDoubleType = 4;
 inline constexpr ValueType kArrayType = 8;
 
 /// Boolean or integer: the value lives in the integer member of OXValue.
-constexpr bool isIntegral(ValueType type) { return (type & (kBoolType | kIntType)) != 0; }
+constexpr bool isIntegral(ValueType type) {
+  return (type & (kBoolType | kIntType)) != 0;
+}
 
 }  // namespace ombrix
 

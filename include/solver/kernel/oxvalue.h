@@ -28,8 +28,8 @@ static_assert(sizeof(OXValue) == 8);
 /// The absolute and relative tolerance of every comparison of doubles.
 inline constexpr double kTolerance = 1e-6;
 
-/// The tolerance of all comparisons of doubles: absolute next to zero, otherwise relative to the sum
-/// of both magnitudes. A NaN equals nothing.
+/// The tolerance of all comparisons of doubles: absolute next to zero, otherwise relative to the
+/// sum of both magnitudes. A NaN equals nothing.
 bool approxEqual(double a, double b);
 
 /// Whether a number in a text file is written as a double; looks at the form only.
@@ -38,7 +38,8 @@ bool isDoubleLiteral(const char* text);
 /// The integer that a text spells; code 6 if it spells none or leaves the 64-bit range.
 std::int64_t castToOxInt(const std::string& text);
 
-/// The double that a text spells, "inf", "+inf", "-inf" and "nan" included; code 6 if it spells none.
+/// The double that a text spells, "inf", "+inf", "-inf" and "nan" included; code 6 if it spells
+/// none.
 double castToOxDouble(const std::string& text);
 
 }  // namespace ombrix
