@@ -1,0 +1,173 @@
+#ifndef OMBRIX_BUILDER_THREADPOOL_H
+#define OMBRIX_BUILDER_THREADPOOL_H
+
+#include <condition_variable>
+#include <cstddef>
+#include <exception>
+#include <mutex>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "common/failure.h"
+
+namespace ombrix {
+
+/// A fixed set of threads that run tasks of one type, handed over by pointer and called with no
+/// argument. One controlling thread enqueues a batch and waits for all of it; whatever it wrote
+/// before enqueue is seen by the tasks, and whatever they wrote is seen after waitAll.
+///
+/// Tasks are taken last in, first out. What a task throws does not end the process: the last such
+/// exception is kept until the controlling thread asks for it. The destructor ends and joins all
+/// threads; a task that was not yet taken is dropped.
+template <typename T>
+class ThreadPool {
+public:
+  /// Starts the threads and returns when all of them are idle. Code 6 when the system refuses a
+  /// thread; those that were started are joined first.
+  explicit ThreadPool(std::size_t nbThreads);
+  ~ThreadPool();
+  ThreadPool(const ThreadPool&) = delete;
+  ThreadPool& operator=(const ThreadPool&) = delete;
+
+  void enqueue(T* task);
+  /// Returns when no task is left and every thread is idle.
+  void waitAll();
+  /// Throws what a task has thrown since the last call, if any did.
+  void throwTaskError();
+
+private:
+  void startThreads(std::size_t nbThreads);
+  void waitIdle(std::unique_lock<std::mutex>& lock);
+  void stopThreads();
+  void work();
+  /// The next task, or null when the thread must end.
+  T* takeTask();
+  void runTask(T& task);
+
+  std::condition_variable workAvailable;
+  std::condition_variable workerIdle;
+  std::mutex mutex;
+  std::vector<T*> tasks;
+  std::vector<std::thread> threads;
+  bool stopping = false;
+  std::size_t nbIdle = 0;
+  std::exception_ptr taskError;
+};
+
+template <typename T>
+ThreadPool<T>::ThreadPool(std::size_t nbThreads) {
+  try {
+    startThreads(nbThreads);
+  } catch (...) {
+    stopThreads();
+    throw;
+  }
+  std::unique_lock lock(mutex);
+  waitIdle(lock);
+}
+
+template <typename T>
+ThreadPool<T>::~ThreadPool() {
+  stopThreads();
+}
+
+template <typename T>
+void ThreadPool<T>::startThreads(std::size_t nbThreads) {
+  threads.reserve(nbThreads);
+  for (std::size_t i = 0; i < nbThreads; ++i) {
+    try {
+      threads.emplace_back([this] { work(); });
+    } catch (const std::system_error& error) {
+      fail(kInternal, OMBRIX_HERE("ThreadPool::ThreadPool"),
+           "Cannot start search thread " + std::to_string(i + 1) + " of " +
+               std::to_string(nbThreads) + ": " + error.what());
+    }
+  }
+}
+
+template <typename T>
+void ThreadPool<T>::stopThreads() {
+  {
+    std::lock_guard lock(mutex);
+    stopping = true;
+    workAvailable.notify_all();
+  }
+  for (std::thread& thread : threads) {
+    try {
+      thread.join();
+    } catch (const std::system_error&) {
+      // A thread that cannot be joined has ended: there is nothing left to wait for.
+    }
+  }
+}
+
+template <typename T>
+void ThreadPool<T>::enqueue(T* task) {
+  std::lock_guard lock(mutex);
+  tasks.push_back(task);
+  if (nbIdle > 0) workAvailable.notify_one();
+}
+
+template <typename T>
+void ThreadPool<T>::waitAll() {
+  std::unique_lock lock(mutex);
+  waitIdle(lock);
+}
+
+template <typename T>
+void ThreadPool<T>::waitIdle(std::unique_lock<std::mutex>& lock) {
+  workerIdle.wait(lock, [this] { return nbIdle == threads.size() && tasks.empty(); });
+}
+
+template <typename T>
+void ThreadPool<T>::throwTaskError() {
+  std::exception_ptr error;
+  {
+    std::lock_guard lock(mutex);
+    error = std::exchange(taskError, nullptr);
+  }
+  if (error) std::rethrow_exception(std::move(error));
+}
+
+template <typename T>
+void ThreadPool<T>::work() {
+  while (T* task = takeTask()) runTask(*task);
+}
+
+template <typename T>
+T* ThreadPool<T>::takeTask() {
+  std::unique_lock lock(mutex);
+  ++nbIdle;
+  while (!stopping && tasks.empty()) {
+    workerIdle.notify_one();
+    workAvailable.wait(lock);
+  }
+  if (stopping) {
+    workerIdle.notify_one();
+    return nullptr;
+  }
+  --nbIdle;
+  T* task = tasks.back();
+  tasks.pop_back();
+  return task;
+}
+
+template <typename T>
+void ThreadPool<T>::runTask(T& task) {
+  std::exception_ptr error;
+  try {
+    task();
+  } catch (...) {
+    error = std::current_exception();
+  }
+  if (!error) return;
+  std::lock_guard lock(mutex);
+  taskError = std::move(error);
+}
+
+}  // namespace ombrix
+
+#endif
