@@ -1,0 +1,30 @@
+#ifndef OMBRIX_SOLVER_MOVE_POOLFILLER_H
+#define OMBRIX_SOLVER_MOVE_POOLFILLER_H
+
+#include <cstdint>
+#include <span>
+
+#include "solver/kernel/movepool.h"
+#include "solver/move/basicmovestructure.h"
+
+namespace ombrix {
+
+/// Which moves a worker gets. The defaults are those of the parameters of the same names.
+struct PoolSettings {
+  std::uint32_t targetingRate = 50;    ///< percent; ten times the level of the parameter
+  std::uint32_t neighborhoodSize = 8;  ///< largest number of decisions of a move
+  bool basicMovesEnabled = true;
+  bool moveBalanceEnabled = true;
+  bool moveSwapEnabled = true;
+  bool moveFlipEnabled = true;
+};
+
+/// Fills the pool of one worker with the moves that suit its model, in a fixed order and with fixed
+/// weights. doubleComparisons are the nodes that compare doubles by equality or by a bound they may
+/// reach; the span outlives the pool.
+void fillMovePool(MovePool& pool, BasicMoveStructure& structure,
+                  std::span<const std::uint32_t> doubleComparisons, const PoolSettings& settings);
+
+}  // namespace ombrix
+
+#endif
