@@ -1,0 +1,139 @@
+package ombrix;
+
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertThrows;
+import static org.junit.jupiter.api.Assertions.assertTimeoutPreemptively;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import java.io.IOException;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.time.Duration;
+import org.junit.jupiter.api.Test;
+
+/** Whole searches driven from Java. */
+class SolveTest {
+  private static final long[] WEIGHTS = {10, 60, 30, 40, 30, 20, 20, 2};
+  private static final long[] VALUES = {1, 10, 15, 40, 60, 90, 100, 15};
+  private static final long CAPACITY = 102;
+
+  private static OXExpression weightedSum(OXModel model, OXExpression[] items, long[] factors) {
+    OXExpression sum = model.createExpression(OXOperator.Sum);
+    for (int i = 0; i < items.length; i++) {
+      sum.addOperand(model.createExpression(OXOperator.Prod, factors[i], items[i]));
+    }
+    return sum;
+  }
+
+  /** A knapsack whose best value is 280. */
+  private static OXExpression buildKnapsack(Ombrix ombrix) {
+    OXModel model = ombrix.getModel();
+    OXExpression[] items = new OXExpression[WEIGHTS.length];
+    for (int i = 0; i < items.length; i++) {
+      items[i] = model.createExpression(OXOperator.Bool);
+      items[i].setName("item" + i);
+    }
+    OXExpression weight = weightedSum(model, items, WEIGHTS);
+    OXExpression value = weightedSum(model, items, VALUES);
+    model.addConstraint(model.createExpression(OXOperator.Leq, weight, CAPACITY));
+    model.addObjective(value, OXObjectiveDirection.Maximize);
+    model.close();
+    ombrix.getParam().setVerbosity(0);
+    return value;
+  }
+
+  @Test
+  void aSmallKnapsackIsSolvedToItsBestValue() {
+    try (Ombrix ombrix = new Ombrix()) {
+      OXExpression value = buildKnapsack(ombrix);
+      ombrix.createPhase().setIterationLimit(20000);
+      ombrix.solve();
+      assertEquals(OXState.Stopped, ombrix.getState());
+      assertEquals(280, value.getValue());
+      assertEquals(280, ombrix.getSolution().getValue(value));
+      assertEquals(OXSolutionStatus.Feasible, ombrix.getSolution().getStatus());
+      assertTrue(ombrix.getStatistics().getNbMoves() >= 20000);
+    }
+  }
+
+  @Test
+  void stopFromAnotherThreadEndsTheSearch() {
+    try (Ombrix ombrix = new Ombrix()) {
+      buildKnapsack(ombrix);
+      Thread stopper =
+          new Thread(
+              () -> {
+                while (ombrix.getState() == OXState.Stopped) {
+                  Thread.onSpinWait();
+                }
+                while (ombrix.getState() != OXState.Stopped) {
+                  ombrix.stop();
+                }
+              });
+      stopper.start();
+      assertTimeoutPreemptively(Duration.ofSeconds(60), ombrix::solve);
+      assertTimeoutPreemptively(Duration.ofSeconds(60), () -> stopper.join());
+      assertEquals(OXState.Stopped, ombrix.getState());
+    }
+  }
+
+  @Test
+  void deleteDuringASearchStopsItFirst() {
+    Ombrix ombrix = new Ombrix();
+    buildKnapsack(ombrix);
+    Thread searcher = new Thread(ombrix::solve);
+    searcher.start();
+    while (ombrix.getState() == OXState.Stopped) {
+      Thread.onSpinWait();
+    }
+    assertTimeoutPreemptively(Duration.ofSeconds(60), ombrix::delete);
+    assertTimeoutPreemptively(Duration.ofSeconds(60), () -> searcher.join());
+    assertThrows(IllegalStateException.class, ombrix::getState);
+  }
+
+  @Test
+  void aFailureOnASearchThreadReachesTheCallerOfSolve() {
+    try (Ombrix ombrix = new Ombrix()) {
+      OXModel model = ombrix.getModel();
+      OXExpression x = model.createExpression(OXOperator.Bool);
+      OXExpression y = model.createExpression(OXOperator.Bool);
+      OXExpression divisor = model.createExpression(OXOperator.Sum, x, y, -1L);
+      OXExpression quotient = model.createExpression(OXOperator.Div, 12L, divisor);
+      model.addObjective(quotient, OXObjectiveDirection.Minimize);
+      model.close();
+      ombrix.getParam().setVerbosity(0);
+      ombrix.createPhase().setIterationLimit(10000);
+      OXException failure = assertThrows(OXException.class, ombrix::solve);
+      assertEquals(5, failure.getCode());
+      assertEquals("Division by zero.", failure.getMessage());
+      assertTrue(x.getValue() == 0 || x.getValue() == 1);
+    }
+  }
+
+  private static long residentPages() throws IOException {
+    return Long.parseLong(Files.readString(Path.of("/proc/self/statm")).split(" ")[1]);
+  }
+
+  private static void cycle() {
+    try (Ombrix ombrix = new Ombrix()) {
+      buildKnapsack(ombrix);
+      ombrix.createPhase().setIterationLimit(50);
+      ombrix.solve();
+    }
+  }
+
+  @Test
+  void aThousandSolversLeaveNoMemoryBehind() throws IOException {
+    for (int i = 0; i < 300; i++) {
+      cycle();
+    }
+    System.gc();
+    long before = residentPages();
+    for (int i = 0; i < 1000; i++) {
+      cycle();
+    }
+    System.gc();
+    long grown = (residentPages() - before) * 4096;
+    assertTrue(grown < 32L << 20, "resident memory grew by " + grown + " bytes");
+  }
+}
