@@ -408,8 +408,8 @@ class OXModel {
     return $self->createExpression(op, $self->createConstant(expr0));
   }
   OXExpression* createExpression(OXOperator op, CONSTANT expr0, CONSTANT expr1) {
-    OXExpression* second = $self->createConstant(expr1);
-    OXExpression* first = $self->createConstant(expr0);
+    ombrix::OXExpression* second = $self->createConstant(expr1);
+    ombrix::OXExpression* first = $self->createConstant(expr0);
     return $self->createExpression(op, first, second);
   }
   OXExpression* createExpression(OXOperator op, CONSTANT expr0, OXExpression* expr1) {
@@ -419,27 +419,27 @@ class OXModel {
     return $self->createExpression(op, expr0, $self->createConstant(expr1));
   }
   OXExpression* createExpression(OXOperator op, CONSTANT expr0, CONSTANT expr1, CONSTANT expr2) {
-    OXExpression* third = $self->createConstant(expr2);
-    OXExpression* second = $self->createConstant(expr1);
-    OXExpression* first = $self->createConstant(expr0);
+    ombrix::OXExpression* third = $self->createConstant(expr2);
+    ombrix::OXExpression* second = $self->createConstant(expr1);
+    ombrix::OXExpression* first = $self->createConstant(expr0);
     return $self->createExpression(op, first, second, third);
   }
   OXExpression* createExpression(OXOperator op, CONSTANT expr0, CONSTANT expr1, OXExpression* expr2) {
-    OXExpression* second = $self->createConstant(expr1);
-    OXExpression* first = $self->createConstant(expr0);
+    ombrix::OXExpression* second = $self->createConstant(expr1);
+    ombrix::OXExpression* first = $self->createConstant(expr0);
     return $self->createExpression(op, first, second, expr2);
   }
   OXExpression* createExpression(OXOperator op, CONSTANT expr0, OXExpression* expr1, CONSTANT expr2) {
-    OXExpression* third = $self->createConstant(expr2);
-    OXExpression* first = $self->createConstant(expr0);
+    ombrix::OXExpression* third = $self->createConstant(expr2);
+    ombrix::OXExpression* first = $self->createConstant(expr0);
     return $self->createExpression(op, first, expr1, third);
   }
   OXExpression* createExpression(OXOperator op, CONSTANT expr0, OXExpression* expr1, OXExpression* expr2) {
     return $self->createExpression(op, $self->createConstant(expr0), expr1, expr2);
   }
   OXExpression* createExpression(OXOperator op, OXExpression* expr0, CONSTANT expr1, CONSTANT expr2) {
-    OXExpression* third = $self->createConstant(expr2);
-    OXExpression* second = $self->createConstant(expr1);
+    ombrix::OXExpression* third = $self->createConstant(expr2);
+    ombrix::OXExpression* second = $self->createConstant(expr1);
     return $self->createExpression(op, expr0, second, third);
   }
   OXExpression* createExpression(OXOperator op, OXExpression* expr0, CONSTANT expr1, OXExpression* expr2) {
