@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -126,6 +127,7 @@ private:
   static void onPhaseStart(void* data);
   static void onPhaseEnd(void* data);
   static void onTick(void* data);
+  static void onSynchronization(void* data);
 
   std::atomic<OXState> state;
   std::atomic<std::int32_t> stopRequested;
@@ -136,10 +138,16 @@ private:
   std::vector<void*> callbackData;
   std::vector<std::unique_ptr<Worker>> workers;
   std::vector<std::unique_ptr<OXPhase>> phases;
+  /// Held by stop, and by whoever replaces the parallelizer: stop comes from any thread at any
+  /// moment.
+  std::mutex searchMutex;
   /// Null until the first solve: its presence means that the solver has been started.
   std::unique_ptr<Parallelizer> parallelizer;
   std::unique_ptr<OXSolution> solution;
   std::unique_ptr<OXStatistics> statistics;
+  /// Told of each refresh of the public solution during a search; null for none.
+  CallbackFunction observer = nullptr;
+  void* observerData = nullptr;
 };
 
 }  // namespace ombrix

@@ -65,6 +65,14 @@ struct SolverRecord {
     return solver.callbackData;
   }
 
+  /// The observer is called by solve on its own thread, in state Paused, after the public solution
+  /// was refreshed at each tick, synchronisation and end of a phase. Null, the value at first, for
+  /// none; set it while no search runs.
+  static void setObserver(Ombrix& solver, void (*observer)(void*), void* data) {
+    solver.observer = observer;
+    solver.observerData = data;
+  }
+
   static std::int32_t seed(const OXParam& param) { return param.seed; }
   static void setSeed(OXParam& param, std::int32_t seed) { param.seed = seed; }
   static std::int32_t nbThreads(const OXParam& param) { return param.nbThreads; }
