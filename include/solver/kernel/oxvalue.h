@@ -1,6 +1,7 @@
 #ifndef OMBRIX_SOLVER_KERNEL_OXVALUE_H
 #define OMBRIX_SOLVER_KERNEL_OXVALUE_H
 
+#include <cmath>
 #include <cstdint>
 #include <string>
 
@@ -29,8 +30,14 @@ static_assert(sizeof(OXValue) == 8);
 inline constexpr double kTolerance = 1e-6;
 
 /// The tolerance of all comparisons of doubles: absolute next to zero, otherwise relative to the
-/// sum of both magnitudes. A NaN equals nothing.
-bool approxEqual(double a, double b);
+/// sum of both magnitudes. A NaN equals nothing. The test for zero is on the product, so two values
+/// so small that it underflows are compared absolutely as well.
+inline bool approxEqual(double a, double b) {
+  if (a == b) return true;
+  const double difference = std::fabs(a - b);
+  if (a * b == 0.0) return difference < kTolerance;
+  return difference / (std::fabs(a) + std::fabs(b)) < kTolerance;
+}
 
 /// Whether a number in a text file is written as a double; looks at the form only.
 bool isDoubleLiteral(const char* text);
@@ -39,7 +46,7 @@ bool isDoubleLiteral(const char* text);
 std::int64_t castToOxInt(const std::string& text);
 
 /// The double that a text spells, "inf", "+inf", "-inf" and "nan" included; code 6 if it spells
-/// none.
+/// none. The decimal point is "." whatever the locale of the host.
 double castToOxDouble(const std::string& text);
 
 }  // namespace ombrix
