@@ -73,9 +73,10 @@ private:
     std::uint32_t nbConstrained = 0;
   };
 
-  void gatherLists();
-  void buildIncidence();
-  void countEntries(std::span<const std::uint32_t> some, std::uint32_t Entries::*counter);
+  void gatherLists(std::vector<std::uint32_t>& mixedLists);
+  void buildIncidence(std::span<const std::uint32_t> mixedLists);
+  void countEntries(std::span<const std::uint32_t> some, std::uint32_t Entries::*counter,
+                    std::vector<std::uint32_t>& totals);
   void writeEntries(std::span<const std::uint32_t> some, std::vector<std::uint32_t>& ends);
   void deriveSets();
 

@@ -29,7 +29,8 @@ private:
   void markBoundedSum(std::uint32_t constraint);
   bool canBeBounded(std::uint32_t node) const;
   bool standsAtBound(const Dag& dag, std::uint32_t sum) const;
-  bool tryToRaise(Dag& dag, std::uint32_t decision, std::vector<std::uint32_t>& satisfied) const;
+  bool tryToRaise(Dag& dag, std::uint32_t decision,
+                  std::vector<std::uint32_t>& touchedConstraints) const;
   void dropFullSums(const Dag& dag, std::uint32_t decision, SparseSet& remaining) const;
 
   const DagFixedFields* fixedFields;

@@ -1,0 +1,23 @@
+#include "solver/move/movesample.h"
+
+#include <utility>
+
+#include "solver/kernel/random.h"
+#include "solver/move/targeting.h"
+
+namespace ombrix {
+
+MoveSample::MoveSample(std::string moveName, Dag& workerDag, std::uint32_t& state,
+                       std::uint32_t nbDraws, std::uint32_t moveWeight, std::uint32_t rate)
+    : Move(std::move(moveName), workerDag, state, moveWeight), k(nbDraws), targetingRate(rate) {}
+
+bool MoveSample::drawTarget(std::uint32_t& decision) {
+  return targetingRate != 0 && randomPercent(*rng, targetingRate) &&
+         pickTargetedBoolean(*dag, *rng, decision);
+}
+
+void MoveSample::drawSample(std::uint32_t n, bool hasTarget) {
+  sampler.sample(*rng, n, hasTarget ? k - 1 : k, sample);
+}
+
+}  // namespace ombrix
