@@ -1,0 +1,203 @@
+#include "cli/commandline.h"
+
+#include <ombrix/oxversion.h>
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <climits>
+#include <memory>
+#include <string_view>
+
+#include "cli/inputerror.h"
+
+namespace ombrix::cli {
+namespace {
+
+constexpr const char* kDescription =
+    "Ombrix searches good solutions of models over boolean decisions by local search.\n"
+    "MODEL is a pseudo-Boolean file in the OPB format, plain or gzip.";
+
+constexpr const char* kMainFooter =
+    "Examples:\n"
+    "  ombrix solve examples/data/scp200x1000.opb --time 10\n"
+    "  ombrix info examples/data/mkp5x100.opb\n"
+    "  ombrix --version\n"
+    "\n"
+    "Exit status: 0 a feasible or optimal solution was found, 2 none was found,\n"
+    "3 the model was proved inconsistent, 1 a usage, input or internal error.";
+
+constexpr const char* kSolveFooter =
+    "Without --time, --iterations or --phase the search runs until Ctrl-C. Ctrl-C and SIGTERM end\n"
+    "the search; the best solution found comes out as usual.\n"
+    "\n"
+    "Examples:\n"
+    "  ombrix solve model.opb --time 60 --threads 4 --solution best.txt\n"
+    "  ombrix solve model.opb.gz --time 20 --output pb\n"
+    "  ombrix solve model.opb --phase time=10,iterations=1000000 --phase time=50\n"
+    "  ombrix solve model.opb --iterations 1000000 --seed 7 --set syncIterations=10000";
+
+constexpr const char* kInfoFooter =
+    "Example:\n"
+    "  ombrix info model.opb --set preprocessingEnabled=0";
+
+template <typename Number>
+Number parseNumber(std::string_view text, Number lowest, const std::string& context) {
+  Number number{};
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number);
+  if (result.ec != std::errc() || result.ptr != end || text.empty() || number < lowest) {
+    throw InputError(context + ": found \"" + std::string(text) +
+                     "\", expected an integer of at least " + std::to_string(lowest));
+  }
+  return number;
+}
+
+/// "KEY=VALUE" in two.
+std::pair<std::string, std::string> splitAssignment(const std::string& text,
+                                                    const std::string& option) {
+  const std::size_t equal = text.find('=');
+  if (equal == std::string::npos || equal == 0) {
+    throw InputError(option + ": found \"" + text + "\", expected KEY=VALUE");
+  }
+  return {text.substr(0, equal), text.substr(equal + 1)};
+}
+
+PhaseOptions parsePhase(const std::string& text) {
+  PhaseOptions phase;
+  std::size_t begin = 0;
+  while (begin <= text.size()) {
+    const std::size_t comma = std::min(text.find(',', begin), text.size());
+    const auto [key, value] = splitAssignment(text.substr(begin, comma - begin), "--phase");
+    const std::string context = "--phase " + key;
+    if (key == "time") {
+      phase.time = parseNumber<int>(value, 1, context);
+    } else if (key == "iterations") {
+      phase.iterations = parseNumber<long long>(value, 1, context);
+    } else if (key == "objective") {
+      phase.objective = parseNumber<int>(value, 0, context);
+    } else {
+      throw InputError("--phase: found \"" + key + "\", expected time, iterations or objective");
+    }
+    begin = comma + 1;
+  }
+  return phase;
+}
+
+OutputForm parseOutput(const std::string& text) {
+  if (text == "plain") return OutputForm::Plain;
+  if (text == "pb") return OutputForm::Pb;
+  throw InputError("--output: found \"" + text + "\", expected plain or pb");
+}
+
+/// The options of the command line as they are written, and their way into a CommandLine.
+class Parser {
+public:
+  Parser() : app(kDescription, "ombrix") {
+    app.footer(kMainFooter);
+    app.set_version_flag("--version", OXVersion::getInfo());
+    app.require_subcommand(1);
+    solve = app.add_subcommand("solve", "Search a good solution of MODEL");
+    info = app.add_subcommand("info", "Show what MODEL holds and what the engine makes of it");
+    describeSolve();
+    info->footer(kInfoFooter);
+    for (CLI::App* command : {solve, info}) {
+      command->add_option("MODEL", line.model, "The model file")->required();
+      command
+          ->add_option("--set", assignments, "Set an advanced parameter; may be given repeatedly")
+          ->type_name("KEY=VALUE")
+          ->allow_extra_args(false);
+    }
+  }
+
+  CommandLine parse(int argc, const char* const* argv) {
+    try {
+      app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+      return textOnly(app.help());
+    } catch (const CLI::CallForAllHelp&) {
+      return textOnly(app.help("", CLI::AppFormatMode::All));
+    } catch (const CLI::CallForVersion& version) {
+      return textOnly(version.what());
+    } catch (const CLI::ParseError& error) {
+      throw InputError(std::string(error.what()) + " (see ombrix --help)");
+    }
+    line.command = solve->parsed() ? CommandLine::Command::Solve : CommandLine::Command::Info;
+    for (const std::string& text : assignments) {
+      const auto [key, value] = splitAssignment(text, "--set");
+      line.advancedParams.emplace_back(key, parseNumber<int>(value, INT_MIN, "--set " + key));
+    }
+    for (const std::string& text : phaseTexts) line.phases.push_back(parsePhase(text));
+    if (line.phases.empty()) line.phases.push_back(single);
+    line.output = parseOutput(output);
+    return line;
+  }
+
+private:
+  void describeSolve() {
+    solve->footer(kSolveFooter);
+    CLI::Option* phases = solve->add_option(
+        "--phase", phaseTexts, "Add a phase with limits of its own; may be given repeatedly");
+    phases->type_name("time=SECONDS,iterations=N,objective=I")->allow_extra_args(false);
+    CLI::Option* time = solve->add_option("--time", single.time, "Limit the search, in seconds");
+    time->check(CLI::Range(1, INT_MAX))->excludes(phases)->type_name("SECONDS");
+    CLI::Option* iterations =
+        solve->add_option("--iterations", single.iterations, "Limit the iterations of each thread");
+    iterations->check(CLI::Range(1LL, LLONG_MAX))->excludes(phases)->type_name("N");
+    CLI::Option* objective = solve->add_option("--objective", single.objective,
+                                               "The index of the objective to optimise");
+    objective->check(CLI::Range(0, INT_MAX))->excludes(phases)->type_name("I");
+    solve->add_option("--threads", line.threads, "Number of search threads, 2 if not given")
+        ->check(CLI::Range(1, 1024))
+        ->type_name("N");
+    solve->add_option("--seed", line.seed, "Seed of the random draws, 0 if not given")
+        ->check(CLI::Range(0, INT_MAX))
+        ->type_name("N");
+    solve
+        ->add_option("--annealing-level", line.annealingLevel,
+                     "Readiness to accept worse solutions, 0 to 9, 1 if not given")
+        ->check(CLI::Range(0, 9))
+        ->type_name("N");
+    solve
+        ->add_option("--verbosity", line.verbosity,
+                     "Display of the engine: 0 none; if not given 1, with --output pb 0")
+        ->check(CLI::Range(0, INT_MAX))
+        ->type_name("N");
+    solve
+        ->add_option("--display-every", line.displayEvery,
+                     "Seconds between two lines of the display, 1 if not given")
+        ->check(CLI::Range(1, 65535))
+        ->type_name("SECONDS");
+    solve
+        ->add_option("--solution", line.solutionFile,
+                     "Write the solution, as the v lines of --output pb, to this file")
+        ->type_name("FILE");
+    solve
+        ->add_option("--output", output,
+                     "plain, or pb for the lines of the pseudo-Boolean competitions")
+        ->type_name("plain|pb");
+  }
+
+  static CommandLine textOnly(std::string text) {
+    CommandLine shown;
+    shown.text = std::move(text);
+    if (!shown.text.ends_with('\n')) shown.text += '\n';
+    return shown;
+  }
+
+  CLI::App app;
+  CLI::App* solve = nullptr;
+  CLI::App* info = nullptr;
+  CommandLine line;
+  PhaseOptions single;
+  std::string output = "plain";
+  std::vector<std::string> phaseTexts;
+  std::vector<std::string> assignments;
+};
+
+}  // namespace
+
+CommandLine parseCommandLine(int argc, const char* const* argv) {
+  return Parser().parse(argc, argv);
+}
+
+}  // namespace ombrix::cli

@@ -1,0 +1,45 @@
+#ifndef OMBRIX_CLI_COMMANDLINE_H
+#define OMBRIX_CLI_COMMANDLINE_H
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ombrix::cli {
+
+/// The limits of one phase; what is not given keeps the default of the engine.
+struct PhaseOptions {
+  std::optional<int> time;
+  std::optional<long long> iterations;
+  std::optional<int> objective;
+};
+
+enum class OutputForm { Plain, Pb };
+
+/// What was asked for. Options that were not given are empty, so that the engine's own defaults
+/// apply and stand in one place.
+struct CommandLine {
+  enum class Command { Solve, Info, ShowText };
+
+  Command command = Command::ShowText;
+  /// For ShowText: the help or the version.
+  std::string text;
+  std::string model;
+  std::vector<PhaseOptions> phases;
+  std::optional<int> threads;
+  std::optional<int> seed;
+  std::optional<int> annealingLevel;
+  std::optional<int> verbosity;
+  std::optional<int> displayEvery;
+  std::vector<std::pair<std::string, int>> advancedParams;
+  std::optional<std::string> solutionFile;
+  OutputForm output = OutputForm::Plain;
+};
+
+/// Raises an InputError for a command line that is not understood.
+CommandLine parseCommandLine(int argc, const char* const* argv);
+
+}  // namespace ombrix::cli
+
+#endif

@@ -1,0 +1,98 @@
+#include "cli/infocommand.h"
+
+#include <ombrix/ombrix.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <fstream>
+#include <iostream>
+
+#include "builder/dagbuilder.h"
+#include "builder/modelrecord.h"
+#include "builder/operatortools.h"
+#include "cli/opbmodel.h"
+#include "cli/opbmodelbuilder.h"
+#include "cli/opbreader.h"
+#include "cli/program.h"
+#include "solver/kernel/dagfixedfields.h"
+#include "solver/kernel/nodetypeutils.h"
+
+namespace ombrix::cli {
+namespace {
+
+constexpr std::size_t kNbOperators = 34;
+
+/// The memory of the process that is resident now, in bytes; 0 where the system does not tell it.
+long long residentMemory() {
+  std::ifstream statm("/proc/self/statm");
+  long long total = 0;
+  long long resident = 0;
+  statm >> total >> resident;
+  return statm ? resident * sysconf(_SC_PAGESIZE) : 0;
+}
+
+void printModel(const OXModel& model) {
+  std::array<long long, kNbOperators> counts{};
+  for (int i = 0; i < model.getNbExpressions(); ++i) {
+    ++counts[static_cast<std::size_t>(model.getExpression(i)->getOperator())];
+  }
+  std::cout << "Model:\n  expressions = " << model.getNbExpressions() << "\n";
+  for (std::size_t op = 0; op < kNbOperators; ++op) {
+    if (counts[op] == 0) continue;
+    std::cout << "    " << OperatorTools::getName(static_cast<OXOperator>(op)) << " = "
+              << counts[op] << "\n";
+  }
+  std::cout << "  operands = " << model.getNbOperands() << "\n"
+            << "  decisions = " << model.getNbDecisions() << "\n"
+            << "  constraints = " << model.getNbConstraints() << "\n"
+            << "  objectives = " << model.getNbObjectives() << "\n";
+}
+
+void printNodes(const DagFixedFields& fields) {
+  std::cout << "  nodes = " << fields.nbNodes << "\n";
+  for (std::size_t type = 0; type < fields.nbNodesByType.size(); ++type) {
+    if (fields.nbNodesByType[type] == 0) continue;
+    std::cout << "    " << NodeTypeUtils::toString(static_cast<NodeType>(type)) << " = "
+              << fields.nbNodesByType[type] << "\n";
+  }
+  std::cout << "  ranks = " << fields.nodesByRank.size() << "\n"
+            << "  decisions left = " << fields.firstInnerNode << "\n"
+            << "  constraints left = " << fields.constraints.size() << "\n";
+}
+
+void printClosed(const OXModel& model) {
+  const DagBuilder& builder = *ModelRecord::dagBuilder(model);
+  long long nbFixed = 0;
+  for (int i = 0; i < model.getNbExpressions(); ++i) {
+    if (builder.isFixed(static_cast<std::size_t>(i))) ++nbFixed;
+  }
+  std::cout << "Closed model:\n"
+            << "  inconsistent = " << (builder.isInconsistent() ? "yes" : "no") << "\n"
+            << "  expressions fixed = " << nbFixed << "\n";
+  if (!builder.isInconsistent()) printNodes(builder.getFixedFields());
+}
+
+}  // namespace
+
+int runInfo(const CommandLine& line) {
+  Ombrix solver;
+  OXModel& model = *solver.getModel();
+  OpbModelBuilder(OpbReader::read(line.model), model);
+  for (const auto& [key, value] : line.advancedParams) {
+    solver.getParam()->setAdvancedParam(key, value);
+  }
+  printModel(model);
+  const long long memoryBefore = residentMemory();
+  const auto start = std::chrono::steady_clock::now();
+  model.close();
+  const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+  const long long memory = residentMemory() - memoryBefore;
+  printClosed(model);
+  std::cout << "  closing time = " << elapsed.count() << " sec\n"
+            << "  closing memory = " << static_cast<double>(memory) / 1e6 << " MB\n";
+  return kSolutionFound;
+}
+
+}  // namespace ombrix::cli

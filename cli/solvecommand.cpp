@@ -1,0 +1,158 @@
+#include "cli/solvecommand.h"
+
+#include <ombrix/ombrix.h>
+
+#include <cstddef>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/commentstream.h"
+#include "cli/improvementreporter.h"
+#include "cli/opbmodel.h"
+#include "cli/opbmodelbuilder.h"
+#include "cli/opbreader.h"
+#include "cli/program.h"
+#include "cli/signalstopper.h"
+#include "cli/solutionwriter.h"
+
+namespace ombrix::cli {
+namespace {
+
+/// One run of the command, from the closing of the model to the last line of output.
+class SolveRun {
+public:
+  SolveRun(const CommandLine& asked, const OpbModel& read)
+      : line(asked), file(read), builder(file, *solver.getModel()) {
+    if (line.solutionFile) solutionFile.emplace(*line.solutionFile);
+  }
+
+  int run() {
+    for (const auto& [key, value] : line.advancedParams) {
+      solver.getParam()->setAdvancedParam(key, value);
+    }
+    solver.getModel()->close();
+    setParameters();
+    for (const PhaseOptions& phase : line.phases) createPhase(phase);
+    if (line.output == OutputForm::Pb) {
+      searchForCompetition();
+      finish();
+      printForCompetition();
+    } else {
+      search();
+      finish();
+      printPlainly();
+    }
+    return exitStatus();
+  }
+
+private:
+  void setParameters() {
+    OXParam& param = *solver.getParam();
+    if (line.threads) param.setNbThreads(*line.threads);
+    if (line.seed) param.setSeed(*line.seed);
+    if (line.annealingLevel) param.setAnnealingLevel(*line.annealingLevel);
+    if (line.displayEvery) param.setTimeBetweenDisplays(*line.displayEvery);
+    if (line.verbosity) {
+      param.setVerbosity(*line.verbosity);
+    } else if (line.output == OutputForm::Pb) {
+      param.setVerbosity(0);
+    }
+    // What the signs of the coefficients prove lets the search end there, and end as optimal.
+    param.setObjectiveBound(0, static_cast<long long>(builder.getObjectiveLimit()));
+  }
+
+  void createPhase(const PhaseOptions& options) {
+    OXPhase& phase = *solver.createPhase();
+    if (options.time) phase.setTimeLimit(*options.time);
+    if (options.iterations) phase.setIterationLimit(*options.iterations);
+    if (options.objective) phase.setOptimizedObjective(*options.objective);
+  }
+
+  void search() {
+    const SignalStopper stopper(solver);
+    solver.solve();
+  }
+
+  void searchForCompetition() {
+    std::cout << "c Ombrix " << OXVersion::getVersion() << "\n"
+              << "c " << line.model << ": " << file.names.size() << " variables, "
+              << file.constraints.size() << " constraints" << std::endl;
+    CommentStream display(std::cout);
+    if (!file.hasObjective) {
+      search();
+      return;
+    }
+    ImprovementReporter reporter(solver, *builder.getObjective(),
+                                 solver.getModel()->getObjectiveDirection(0), display.direct());
+    search();
+    reporter.report();
+  }
+
+  /// Takes the result over and writes the file of the solution, before anything that may fail
+  /// later.
+  void finish() {
+    status = solver.getSolution()->getStatus();
+    if (!hasSolution()) return;
+    for (const OXExpression* decision : builder.getDecisions()) {
+      values.push_back(decision->getIntValue() != 0);
+    }
+    if (solutionFile) solutionFile->commit(valueLines(file.names, values));
+  }
+
+  void printForCompetition() const {
+    if (hasSolution()) {
+      const bool isOptimum = status == OXSolutionStatus::Optimal && file.hasObjective;
+      std::cout << (isOptimum ? "s OPTIMUM FOUND\n" : "s SATISFIABLE\n")
+                << valueLines(file.names, values);
+    } else if (status == OXSolutionStatus::Inconsistent) {
+      std::cout << "s UNSATISFIABLE\n";
+    } else {
+      std::cout << "s UNKNOWN\n";
+    }
+  }
+
+  void printPlainly() const {
+    if (!hasSolution()) {
+      std::cout << (status == OXSolutionStatus::Inconsistent
+                        ? "Status: inconsistent, the model has no solution\n"
+                        : "Status: infeasible, no solution was found\n");
+      return;
+    }
+    std::cout << "Status: " << (status == OXSolutionStatus::Optimal ? "optimal\n" : "feasible\n");
+    if (file.hasObjective) {
+      std::cout << "Objective: " << builder.getObjective()->getIntValue() << "\n";
+    }
+    std::cout << "Decisions:\n";
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      std::cout << "  " << file.names[i] << " = " << values[i] << "\n";
+    }
+  }
+
+  bool hasSolution() const {
+    return status == OXSolutionStatus::Feasible || status == OXSolutionStatus::Optimal;
+  }
+
+  int exitStatus() const {
+    if (hasSolution()) return kSolutionFound;
+    return status == OXSolutionStatus::Inconsistent ? kInconsistent : kNoSolution;
+  }
+
+  const CommandLine& line;
+  const OpbModel& file;
+  Ombrix solver;
+  OpbModelBuilder builder;
+  std::optional<SolutionFile> solutionFile;
+  OXSolutionStatus status = OXSolutionStatus::Infeasible;
+  std::vector<bool> values;
+};
+
+}  // namespace
+
+int runSolve(const CommandLine& line) {
+  const OpbModel file = OpbReader::read(line.model);
+  return SolveRun(line, file).run();
+}
+
+}  // namespace ombrix::cli
