@@ -127,7 +127,6 @@ private:
   static void onPhaseStart(void* data);
   static void onPhaseEnd(void* data);
   static void onTick(void* data);
-  static void onSynchronization(void* data);
 
   std::atomic<OXState> state;
   std::atomic<std::int32_t> stopRequested;

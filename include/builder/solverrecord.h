@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "api/ombrix.h"
@@ -49,6 +50,8 @@ struct SolverRecord {
   static const std::unique_ptr<Parallelizer>& parallelizer(const Ombrix& solver) {
     return solver.parallelizer;
   }
+  /// The old one dies outside the lock; a stop from another thread never meets it.
+  static void replaceParallelizer(Ombrix& solver, std::unique_ptr<Parallelizer> search);
   /// Whether solve has made its search objects at least once since the model was closed.
   static bool started(const Ombrix& solver) { return solver.parallelizer != nullptr; }
   /// Destroys the parallelizer and the workers, which hang on the kernel of the closed model.
@@ -71,6 +74,9 @@ struct SolverRecord {
   static void setObserver(Ombrix& solver, void (*observer)(void*), void* data) {
     solver.observer = observer;
     solver.observerData = data;
+  }
+  static std::pair<void (*)(void*), void*> observer(const Ombrix& solver) {
+    return {solver.observer, solver.observerData};
   }
 
   static std::int32_t seed(const OXParam& param) { return param.seed; }

@@ -1,0 +1,82 @@
+#include "builder/worker.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "builder/dagbuilder.h"
+#include "builder/modelrecord.h"
+#include "builder/solverrecord.h"
+#include "solver/move/poolfiller.h"
+
+namespace ombrix {
+
+namespace {
+
+std::uint32_t positiveParam(const Ombrix& solver, const char* key, std::int32_t defaultValue) {
+  return static_cast<std::uint32_t>(
+      std::max(SolverRecord::advancedParam(solver, key, defaultValue), 0));
+}
+
+bool isEnabled(const Ombrix& solver, const char* key) {
+  return SolverRecord::advancedParam(solver, key, 1) != 0;
+}
+
+PoolSettings readPoolSettings(const Ombrix& solver) {
+  PoolSettings settings;
+  settings.targetingRate = positiveParam(solver, "targetingLevel", 5) * 10;
+  settings.neighborhoodSize = positiveParam(solver, "neighborhoodSize", 8);
+  settings.basicMovesEnabled = isEnabled(solver, "basicMovesEnabled");
+  settings.moveBalanceEnabled = isEnabled(solver, "moveBalanceEnabled");
+  settings.moveSwapEnabled = isEnabled(solver, "moveSwapEnabled");
+  settings.moveFlipEnabled = isEnabled(solver, "moveFlipEnabled");
+  return settings;
+}
+
+/// The bound of a double objective whose node counts in integers: the last integer that reaches it.
+OXValue integralBound(double bound, bool isMaximised) {
+  constexpr double kEnd = 9223372036854775808.0;
+  const double rounded = isMaximised ? std::ceil(bound) : std::floor(bound);
+  if (rounded >= kEnd) return OXValue::ofInt(std::numeric_limits<std::int64_t>::max());
+  if (rounded < -kEnd) return OXValue::ofInt(std::numeric_limits<std::int64_t>::min());
+  return OXValue::ofInt(static_cast<std::int64_t>(rounded));
+}
+
+/// The bounds of the parameters, which follow the types of the expressions, as the nodes read them.
+std::vector<OXValue> readObjectiveBounds(const OXParam& param, const DagFixedFields& fields) {
+  std::vector<OXValue> bounds = SolverRecord::objectiveBounds(param);
+  for (std::uint32_t i = 0; i < fields.nbObjectives(); ++i) {
+    const bool isDouble = SolverRecord::objectiveTypes(param)[i] == kDoubleType;
+    if (isDouble && fields.domains[fields.objectives[i]] != kDoubleDomain) {
+      bounds[i] = integralBound(bounds[i].doubleValue, fields.directions[i] != 0);
+    }
+  }
+  return bounds;
+}
+
+}  // namespace
+
+Worker::Worker(Ombrix& owner) : solver(&owner) {
+  const DagBuilder& builder = *ModelRecord::dagBuilder(SolverRecord::model(owner));
+  dag = std::make_unique<Dag>(builder.getFixedFields());
+  heuristic = std::make_unique<HeuristicAutoAnnealing>(*dag, &rng);
+  // The structure over the static constraint nodes, for the moves that follow them, belongs here.
+  basicMoveStructure =
+      std::make_unique<BasicMoveStructure>(*dag, builder.constraintAnalysis(), rng);
+  readParameters();
+  fillMovePool(heuristic->movePool, *basicMoveStructure, builder.doubleComparisons(),
+               readPoolSettings(owner));
+}
+
+Worker::~Worker() = default;
+
+void Worker::readParameters() {
+  const OXParam& param = SolverRecord::param(*solver);
+  rng = static_cast<std::uint32_t>(SolverRecord::seed(param));
+  heuristic->setAnnealingWindow(static_cast<std::uint32_t>(SolverRecord::annealingLevel(param)) +
+                                1);
+  heuristic->objectiveBounds = readObjectiveBounds(param, *dag->fixedFields);
+}
+
+}  // namespace ombrix
