@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "solver/kernel/dagfixedfields.h"
@@ -19,6 +20,8 @@ namespace ombrix {
 /// nothing after its construction. The search reads the members directly.
 class Dag {
 public:
+  /// Builds and initialises all nodes, with every decision at 0. A failure of a node's first
+  /// evaluation leaves the construction, and what stood is destroyed.
   explicit Dag(const DagFixedFields& fields);
   ~Dag();
   Dag(const Dag&) = delete;
@@ -37,8 +40,12 @@ public:
   void check() const;
 
 private:
-  std::vector<NodePool> pools;
-  void* emptyBlock = nullptr;
+  void createNodes();
+  void destroyNodes();
+  void growPools(std::size_t largestSize);
+
+  std::vector<NodePool> pools;  ///< by object size: the index is the size
+  std::unique_ptr<std::byte[]> emptyBlock;
 
 public:
   Propagation propagation;

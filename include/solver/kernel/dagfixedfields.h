@@ -1,7 +1,9 @@
 #ifndef OMBRIX_SOLVER_KERNEL_DAGFIXEDFIELDS_H
 #define OMBRIX_SOLVER_KERNEL_DAGFIXEDFIELDS_H
 
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <iosfwd>
 #include <limits>
 #include <span>
@@ -15,6 +17,9 @@ namespace ombrix {
 
 /// "No such node", "no such index" wherever a 32-bit number may be absent.
 inline constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
+
+/// The direction of an objective.
+enum Direction : std::uint32_t { kMinimise = 0, kMaximise = 1 };
 
 /// Everything about the graph that no move changes: shape, types, ranks, bounds, scalars, and the
 /// order in which a change may travel. The builder fills it node by node and calls finish once;
@@ -59,6 +64,11 @@ public:
   std::vector<std::uint32_t> parents;          ///< flat: one entry per use as an operand
   std::vector<std::uint32_t> parentPositions;  ///< parallel: position among that parent's operands
   std::vector<std::uint32_t> levels;  ///< per node: the first objective level that needs it
+
+  // The layout of the queues of Propagation, which has two for each rank: 2 * rank holds the
+  // constraints of the rank, 2 * rank + 1 its other nodes.
+  std::vector<std::uint32_t> queueOfNode;   ///< per node
+  std::vector<std::uint32_t> queueOffsets;  ///< per queue, and one more: start of its slots
 
   DagFixedFields();
 
@@ -109,8 +119,11 @@ private:
   void computeDomains();
   void computeBounds();
   void computeGroups();
+  template <typename Predicate>
+  std::uint32_t appendGroup(Predicate belongs);
   void computeLevels();
   void sortParentsByLevel();
+  void layOutQueues();
 };
 
 }  // namespace ombrix

@@ -16,6 +16,8 @@ public:
   void* allocate();
 
 private:
+  void addBlock();
+
   std::vector<std::unique_ptr<std::byte[]>> blocks;
   std::size_t elementSize;
   std::size_t freeInLastBlock = 0;

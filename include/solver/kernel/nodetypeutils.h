@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "common/failure.h"
 #include "solver/kernel/nodetype.h"
 #include "solver/kernel/oxvalue.h"
 
@@ -21,6 +22,10 @@ public:
   /// The interval of node id; the bounds of its operands must stand already.
   static void computeBounds(const DagFixedFields& fields, std::uint32_t id, OXValue& min,
                             OXValue& max);
+
+private:
+  /// Refuses a number that is no type.
+  static void checkType(NodeType type, const Where& where);
 };
 
 }  // namespace ombrix

@@ -1,6 +1,7 @@
 #ifndef OMBRIX_SOLVER_KERNEL_PROPAGATION_H
 #define OMBRIX_SOLVER_KERNEL_PROPAGATION_H
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -12,6 +13,7 @@
 namespace ombrix {
 
 class Dag;
+class DagFixedFields;
 
 /// The incremental evaluator of a Dag, and the engine's hot path. A move writes tentative values
 /// into decisions; the change travels upward by rank, level by level, only as far as it goes; then
@@ -21,6 +23,11 @@ class Dag;
 /// The order of calls in one move: any number of setValue, then evaluateConstraints, then
 /// evaluateLevels with rising levels, then exactly one of accept and reject, either of which is
 /// also allowed after any prefix of that.
+///
+/// Touched nodes stand on the queue of their rank and kind, a region of one flat array laid out by
+/// the fixed fields; a bit per rank tells which queues to look at. While no move is open: all
+/// queues are empty, no node is touched, pending and nextPending are empty, nextLevel is 0 and both
+/// infeasibilities are equal. An active constraint has value 1 and is never violated.
 class Propagation {
 public:
   Infeasibility tInfeasibility;                 ///< under the open move
@@ -63,7 +70,44 @@ public:
   bool isTouched(std::uint32_t node) const { return (touched[node >> 6] >> (node & 63)) & 1; }
 
 private:
-  std::vector<std::uint64_t> touched;  ///< one bit per node
+  void initConstraints(const Dag& dag);
+
+  // The queues.
+  void touch(const DagFixedFields& fields, std::uint32_t node);
+  void untouch(std::uint32_t node) { touched[node >> 6] &= ~(std::uint64_t{1} << (node & 63)); }
+  std::uint32_t nextTouchedRank(std::uint32_t from) const;
+  std::uint32_t previousTouchedRank(std::uint32_t below) const;
+  void emptyQueues(const DagFixedFields& fields, std::uint32_t rank);
+  void closeMove();
+
+  // Evaluation.
+  void write(Dag& dag, std::uint32_t decision, OXValue value);
+  void followActiveLevel(Dag& dag);
+  bool evaluateConstraintQueue(Dag& dag, std::uint32_t rank);
+  void evaluateOtherQueue(Dag& dag, std::uint32_t rank, std::uint32_t fromLevel,
+                          std::uint32_t toLevel);
+  bool evaluateConstraint(Dag& dag, std::uint32_t id);
+  bool hasChanged(const Dag& dag, std::uint32_t id) const;
+  void notifyParents(Dag& dag, std::uint32_t node, std::uint32_t fromLevel, std::uint32_t toLevel);
+  void openNextStage(std::uint32_t level);
+
+  // The end of a move.
+  void commitQueue(Dag& dag, std::uint32_t queue);
+  void rollbackQueue(Dag& dag, std::uint32_t queue);
+  void updateViolated(const Dag& dag, std::uint32_t constraint);
+  void updateStaleness(const Dag& dag, std::uint32_t id);
+  bool tentativeWasSeen(const Dag& dag, std::uint32_t id) const;
+
+  std::vector<std::uint64_t> touched;       ///< one bit per node
+  std::vector<std::uint32_t> slots;         ///< the queues, one region after the other
+  std::vector<std::uint32_t> queueEnds;     ///< per queue: end of its entries in slots
+  std::vector<std::uint32_t> doneInRank;    ///< per rank: end of the evaluated other nodes in slots
+  std::vector<std::uint64_t> touchedRanks;  ///< one bit per rank
+  std::size_t lowestWord = 0;               ///< of touchedRanks: all others are 0
+  std::size_t highestWord = 0;
+  std::vector<std::uint32_t> pending;  ///< changed nodes with parents in levels not yet evaluated
+  std::vector<std::uint32_t> nextPending;  ///< the same, being written for the next stage
+  std::uint32_t followedLevel = 0;  ///< the activeLevel to which staleNodes and staleValues refer
   std::vector<DagListener*> listeners;
 };
 

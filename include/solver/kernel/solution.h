@@ -39,7 +39,10 @@ public:
   SparseSet activeConstraints;
 
 private:
-  Dag* dag;
+  void saveActiveConstraints(const SparseSet& active);
+  void writeDecisions(Dag& target) const;
+
+  Dag* dag;  ///< not owned; listened to
 };
 
 }  // namespace ombrix

@@ -1,0 +1,119 @@
+#include "solver/kernel/dag.h"
+
+#include <sstream>
+
+#include "common/failure.h"
+#include "solver/node/nodefactory.h"
+
+namespace ombrix {
+
+namespace {
+
+/// Object sizes that have a pool from the start: all but the largest nodes.
+constexpr std::size_t kUsualObjectSize = 128;
+
+using FamilyMaker = Node* (*)(Dag&, std::uint32_t);
+
+/// The maker of a family whose class depends on the operand count; null for every other type.
+FamilyMaker familyMaker(NodeType type) {
+  switch (type) {
+    default:
+      return nullptr;
+  }
+}
+
+bool isStrictlyAbove(std::uint8_t domain, OXValue a, OXValue b) {
+  if (domain != kDoubleDomain) return a.intValue > b.intValue;
+  return a.doubleValue > b.doubleValue && !approxEqual(a.doubleValue, b.doubleValue);
+}
+
+}  // namespace
+
+Dag::Dag(const DagFixedFields& fields) : emptyBlock(new std::byte[0]), fixedFields(&fields) {
+  growPools(kUsualObjectSize);
+  if (fields.directions.size() != fields.objectives.size()) {
+    fail(kInternal, OMBRIX_HERE("Dag::Dag"),
+         "Different number of directions and operators in the objective.");
+  }
+  if (fields.objectives.empty()) fail(kInternal, OMBRIX_HERE("Dag::Dag"), "No objective.");
+
+  tValues.resize(fields.nbNodes, OXValue::ofInt(0));
+  values.resize(fields.nbNodes, OXValue::ofInt(0));
+  try {
+    createNodes();
+    propagation.init(*this);
+  } catch (...) {
+    destroyNodes();
+    throw;
+  }
+}
+
+Dag::~Dag() {
+  destroyNodes();
+}
+
+void Dag::createNodes() {
+  nodes.reserve(fixedFields->nbNodes);
+  for (std::uint32_t id = 0; id < fixedFields->nbNodes; ++id) nodes.push_back(createNode(id));
+  for (const auto& nodesOfRank : fixedFields->nodesByRank) {
+    for (std::uint32_t id : nodesOfRank) nodes[id]->init(*this, id);
+  }
+}
+
+// The memory goes with the pools, all at once.
+void Dag::destroyNodes() {
+  for (Node* node : nodes) node->~Node();
+}
+
+Node* Dag::createNode(std::uint32_t id) {
+  const NodeType type = fixedFields->types[id];
+  const FamilyMaker make = familyMaker(type);
+  Node* node = make != nullptr ? make(*this, fixedFields->nbOperands(id))
+                               : createFixedArityNode(*this, type);
+  if (node == nullptr) {
+    std::ostringstream text;
+    text << "Unknown type (" << static_cast<unsigned>(type) << ") for node " << id;
+    fail(kInternal, OMBRIX_HERE("Dag::createNode"), text.str());
+  }
+  return node;
+}
+
+void* Dag::allocate(std::size_t bytes) {
+  if (bytes == 0) return emptyBlock.get();
+  growPools(bytes);
+  return pools[bytes].allocate();
+}
+
+void Dag::growPools(std::size_t largestSize) {
+  while (pools.size() <= largestSize) pools.emplace_back(pools.size());
+}
+
+bool Dag::isWorseThan(std::uint32_t objective, OXValue bound) const {
+  const std::uint32_t id = fixedFields->objectives[objective];
+  switch (fixedFields->directions[objective]) {
+    case kMinimise:
+      return isStrictlyAbove(fixedFields->domains[id], tValues[id], bound);
+    case kMaximise:
+      return isStrictlyAbove(fixedFields->domains[id], bound, tValues[id]);
+    default:
+      return false;
+  }
+}
+
+bool Dag::isBetterThan(std::uint32_t objective, OXValue bound) const {
+  const std::uint32_t id = fixedFields->objectives[objective];
+  switch (fixedFields->directions[objective]) {
+    case kMinimise:
+      return isStrictlyAbove(fixedFields->domains[id], bound, tValues[id]);
+    case kMaximise:
+      return isStrictlyAbove(fixedFields->domains[id], tValues[id], bound);
+    default:
+      return false;
+  }
+}
+
+void Dag::check() const {
+  for (std::uint32_t id = 0; id < fixedFields->nbNodes; ++id) nodes[id]->check(*this, id);
+}
+
+}  // namespace ombrix
