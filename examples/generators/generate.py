@@ -1,0 +1,162 @@
+#!/usr/bin/env python3
+"""Generates the instance files of examples/data, by published schemes with fixed seeds.
+
+usage: generate.py FOLDER
+
+set covering      E. Balas and A. Ho 1980, as used by J. E. Beasley 1987: 200 rows, 1000 columns,
+                  density 2 %, costs uniform from 1 to 100; each row has at least two columns, each
+                  column at least one row.
+knapsack          P. C. Chu and J. E. Beasley 1998: 5 constraints, 100 items, weights uniform from 0
+                  to 1000, capacities half of the sum of the weights, profits correlated with them.
+quadratic         E. D. Taillard 1991, uniform: 30 places, symmetric distances and flows uniform from
+assignment        0 to 99.
+colouring         D. S. Johnson et al. 1991: 125 vertices, each edge with probability 0.5.
+facility location M. Koerkel 1989 and D. Ghosh 2003, uniform, small fixed costs: 100 facilities and
+                  customers, service costs from 1000 to 2000, fixed costs from 100 to 200.
+
+The formats are those of the libraries of each problem; set covering and knapsack come as
+pseudo-Boolean models too. The same files come out on every machine and version of Python.
+"""
+import os
+import sys
+
+
+class Draws:
+    """The minimal standard generator of S. K. Park and K. W. Miller 1988."""
+
+    def __init__(self, seed):
+        self.state = seed
+
+    def uniform(self, low, high):
+        """An integer from low to high."""
+        self.state = self.state * 16807 % 2147483647
+        return low + self.state * (high - low + 1) // 2147483647
+
+
+def wrapped(numbers, per_line=16):
+    """Lines of numbers."""
+    texts = [str(number) for number in numbers]
+    return "".join(
+        " ".join(texts[i : i + per_line]) + "\n" for i in range(0, len(texts), per_line)
+    )
+
+
+def opb(comment, nb_variables, objective, constraints):
+    """objective: (direction, coefficients); constraints: ([(coefficient, variable)], end)."""
+
+    def text(terms):
+        return " ".join("%+d x%d" % term for term in terms)
+
+    direction, coefficients = objective
+    lines = [
+        "* #variable= %d #constraint= %d" % (nb_variables, len(constraints)),
+        "* " + comment,
+        "%s: %s ;" % (direction, text((c, j) for j, c in enumerate(coefficients, 1))),
+    ]
+    lines += ["%s %s ;" % (text(terms), end) for terms, end in constraints]
+    return "\n".join(lines) + "\n"
+
+
+def set_covering(nb_rows, nb_columns, percent, seed):
+    draws = Draws(seed)
+    costs = [draws.uniform(1, 100) for _ in range(nb_columns)]
+    rows = [set() for _ in range(nb_rows)]
+    for column in range(1, nb_columns + 1):
+        rows[draws.uniform(0, nb_rows - 1)].add(column)
+    for row in rows:
+        while len(row) < 2:
+            row.add(draws.uniform(1, nb_columns))
+    nb_entries = sum(len(row) for row in rows)
+    while nb_entries < nb_rows * nb_columns * percent // 100:
+        row = rows[draws.uniform(0, nb_rows - 1)]
+        column = draws.uniform(1, nb_columns)
+        nb_entries += column not in row
+        row.add(column)
+    plain = "%d %d\n" % (nb_rows, nb_columns) + wrapped(costs)
+    for row in rows:
+        plain += "%d\n" % len(row) + wrapped(sorted(row))
+    name = "scp%dx%d" % (nb_rows, nb_columns)
+    constraints = [([(1, column) for column in sorted(row)], ">= 1") for row in rows]
+    model = opb("set covering, seed %d" % seed, nb_columns, ("min", costs), constraints)
+    return {name + ".txt": plain, name + ".opb": model}
+
+
+def knapsack(nb_constraints, nb_items, seed):
+    draws = Draws(seed)
+    weights = [[draws.uniform(0, 1000) for _ in range(nb_items)] for _ in range(nb_constraints)]
+    capacities = [sum(row) // 2 for row in weights]
+    profits = [
+        sum(row[item] for row in weights) // nb_constraints + draws.uniform(0, 499)
+        for item in range(nb_items)
+    ]
+    plain = "1\n%d %d 0\n" % (nb_items, nb_constraints) + wrapped(profits)
+    for row in weights:
+        plain += wrapped(row)
+    plain += wrapped(capacities)
+    name = "mkp%dx%d" % (nb_constraints, nb_items)
+    constraints = [
+        ([(weight, item) for item, weight in enumerate(row, 1)], "<= %d" % capacity)
+        for row, capacity in zip(weights, capacities)
+    ]
+    model = opb("knapsack, seed %d" % seed, nb_items, ("max", profits), constraints)
+    return {name + ".txt": plain, name + ".opb": model}
+
+
+def quadratic_assignment(size, seed):
+    draws = Draws(seed)
+    text = "%d\n" % size
+    for _ in ("distances", "flows"):
+        matrix = [[0] * size for _ in range(size)]
+        for i in range(size):
+            for j in range(i + 1, size):
+                matrix[i][j] = matrix[j][i] = draws.uniform(0, 99)
+        text += "\n" + "".join(wrapped(row, size) for row in matrix)
+    return {"qap%d.txt" % size: text}
+
+
+def colouring(nb_vertices, percent, seed):
+    draws = Draws(seed)
+    edges = [
+        (i, j)
+        for j in range(2, nb_vertices + 1)
+        for i in range(1, j)
+        if draws.uniform(0, 99) < percent
+    ]
+    text = "c random graph, seed %d\np edge %d %d\n" % (seed, nb_vertices, len(edges))
+    text += "".join("e %d %d\n" % edge for edge in edges)
+    return {"graph%d.col" % nb_vertices: text}
+
+
+def facility_location(size, seed):
+    draws = Draws(seed)
+    text = "%d %d\n" % (size, size)
+    for _ in range(size):
+        text += "0 %d\n" % draws.uniform(100, 200)
+    for _ in range(size):
+        text += "0\n" + wrapped(draws.uniform(1000, 2000) for _ in range(size))
+    return {"ufl%d.txt" % size: text}
+
+
+def generate():
+    """The contents of every file, by name."""
+    files = {}
+    files.update(set_covering(200, 1000, 2, 20011))
+    files.update(knapsack(5, 100, 20021))
+    files.update(quadratic_assignment(30, 20023))
+    files.update(colouring(125, 50, 20029))
+    files.update(facility_location(100, 20047))
+    return files
+
+
+def main(arguments):
+    if len(arguments) != 2:
+        print(__doc__, file=sys.stderr)
+        return 1
+    for name, text in generate().items():
+        with open(os.path.join(arguments[1], name), "w", encoding="ascii", newline="\n") as stream:
+            stream.write(text)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv))
