@@ -13,16 +13,11 @@ struct KindOfException {
 
 // The entry 0 ends the table and stands for every kind that is absent.
 constexpr KindOfException kKinds[] = {
-    {1, "java/lang/OutOfMemoryError"},
-    {2, "java/io/IOException"},
-    {3, "java/lang/RuntimeException"},
-    {4, "java/lang/IndexOutOfBoundsException"},
-    {5, "java/lang/ArithmeticException"},
-    {6, "java/lang/IllegalArgumentException"},
-    {7, "java/lang/NullPointerException"},
-    {8, "java/lang/RuntimeException"},
-    {9, "java/lang/UnknownError"},
-    {0, "java/lang/UnknownError"},
+    {1, "java/lang/OutOfMemoryError"},     {2, "java/io/IOException"},
+    {3, "java/lang/RuntimeException"},     {4, "java/lang/IndexOutOfBoundsException"},
+    {5, "java/lang/ArithmeticException"},  {6, "java/lang/IllegalArgumentException"},
+    {7, "java/lang/NullPointerException"}, {8, "java/lang/RuntimeException"},
+    {9, "java/lang/UnknownError"},         {0, "java/lang/UnknownError"},
 };
 
 constexpr int kInternalError = 6;
@@ -57,22 +52,21 @@ void throwByKind(JNIEnv* env, int kind, const char* message) {
 void throwOXException(JNIEnv* env, const OXException& failure) {
   jclass exceptionClass = env->FindClass("ombrix/OXException");
   if (exceptionClass == nullptr) return;
-  jmethodID constructor =
-      env->GetMethodID(exceptionClass, "<init>",
-                       "(ILjava/lang/String;ILjava/lang/String;Ljava/lang/String;)V");
+  jmethodID constructor = env->GetMethodID(
+      exceptionClass, "<init>", "(ILjava/lang/String;ILjava/lang/String;Ljava/lang/String;)V");
   if (constructor == nullptr) return;
   jstring fileName = env->NewStringUTF(failure.getFileName().c_str());
   jstring functionName = env->NewStringUTF(failure.getFunctionName().c_str());
   jstring explanation = env->NewStringUTF(failure.getExplanation().c_str());
-  jobject exception = env->NewObject(exceptionClass, constructor, static_cast<jint>(failure.getCode()),
-                                     fileName, static_cast<jint>(failure.getLineNumber()),
-                                     functionName, explanation);
+  jobject exception =
+      env->NewObject(exceptionClass, constructor, static_cast<jint>(failure.getCode()), fileName,
+                     static_cast<jint>(failure.getLineNumber()), functionName, explanation);
   if (exception != nullptr) env->Throw(static_cast<jthrowable>(exception));
 }
 
 void throwOutOfMemory(JNIEnv* env, const char* exportName) {
-  throwOXException(env, OXException(kInternalError, kFileName, kOutOfMemoryLine, exportName,
-                                    "Out of memory"));
+  throwOXException(
+      env, OXException(kInternalError, kFileName, kOutOfMemoryLine, exportName, "Out of memory"));
 }
 
 void throwUnknown(JNIEnv* env, const char* exportName) {

@@ -1,0 +1,50 @@
+#ifndef OMBRIX_BUILDER_MODELWRITER_H
+#define OMBRIX_BUILDER_MODELWRITER_H
+
+#include <memory>
+#include <string>
+
+#include "oxm/oxmwriter.h"
+
+namespace ombrix {
+
+class Ombrix;
+class OXExpression;
+class OXModel;
+class OXPhase;
+
+/// Writes an environment (model, phases, parameters, solution) as a stream of tokens, and knows
+/// nothing of the encoding. A failure on the way passes through and leaves the file as far as it
+/// was written.
+class ModelWriter {
+public:
+  /// Chooses the encoding by the end of the name: ".oxb" and ".oxb.gz" are binary, all else is
+  /// text;
+  /// ".gz" is compressed.
+  ModelWriter(Ombrix& source, const std::string& fileName);
+
+  void write();
+
+private:
+  void writeInfo();
+  void writeExpressions();
+  void writeExpression(const OXExpression& expression);
+  void writeOperands();
+  void writeConstraints();
+  void writeObjectives();
+  void writePhases();
+  void writePhase(const OXPhase& phase);
+  void writeParameters();
+  void writeObjectiveBounds();
+  void writeAdvancedParams();
+  void writeSolution();
+  void writeDecisions();
+
+  Ombrix& ombrix;
+  OXModel* model;
+  std::unique_ptr<OXMWriter> writer;
+};
+
+}  // namespace ombrix
+
+#endif
