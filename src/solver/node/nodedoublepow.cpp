@@ -1,0 +1,65 @@
+#include "solver/kernel/random.h"
+#include "solver/node/nodedoublefunction.h"
+
+namespace ombrix {
+
+namespace {
+
+/// A power rises with its exponent from a base of 1 on, and falls with it below.
+bool risesWithExponent(const Dag& dag, std::uint32_t base) {
+  return DoubleArithmetic::isAtLeast(committed<DoubleArithmetic>(dag, base), 1.0);
+}
+
+double power(const Dag& dag, const std::vector<OXValue>& values, std::uint32_t id) {
+  return MathDouble::pow(DoubleArithmetic::read(dag, values, dag.fixedFields->operand(id, 0)),
+                         DoubleArithmetic::read(dag, values, dag.fixedFields->operand(id, 1)));
+}
+
+}  // namespace
+
+double NodeDoublePow::computeValue(const Dag& dag, std::uint32_t id) const {
+  return power(dag, dag.values, id);
+}
+
+void NodeDoublePow::eval(Dag& dag, std::uint32_t id) const {
+  dag.tValues[id].doubleValue = power(dag, dag.tValues, id);
+}
+
+bool NodeDoublePow::pickToDecrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
+                                   std::uint32_t& decision) const {
+  const std::uint32_t base = dag.fixedFields->operand(id, 0);
+  const std::uint32_t exponent = dag.fixedFields->operand(id, 1);
+  if (randomTopBit(rng)) {
+    const bool rises = risesWithExponent(dag, base);
+    if (rises && !isAtMin<DoubleArithmetic>(dag, exponent))
+      return pickDown(dag, exponent, rng, decision);
+    if (!rises && !isAtMax<DoubleArithmetic>(dag, exponent))
+      return pickUp(dag, exponent, rng, decision);
+  }
+  return !isAtMin<DoubleArithmetic>(dag, base) && pickDown(dag, base, rng, decision);
+}
+
+bool NodeDoublePow::pickToIncrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
+                                   std::uint32_t& decision) const {
+  const std::uint32_t base = dag.fixedFields->operand(id, 0);
+  const std::uint32_t exponent = dag.fixedFields->operand(id, 1);
+  if (randomTopBit(rng)) {
+    const bool rises = risesWithExponent(dag, base);
+    if (rises && !isAtMax<DoubleArithmetic>(dag, exponent))
+      return pickUp(dag, exponent, rng, decision);
+    if (!rises && !isAtMin<DoubleArithmetic>(dag, exponent))
+      return pickDown(dag, exponent, rng, decision);
+  }
+  return !isAtMax<DoubleArithmetic>(dag, base) && pickUp(dag, base, rng, decision);
+}
+
+bool NodeDoublePow::pickToChange(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
+                                 std::uint32_t& decision) const {
+  const std::uint32_t base = dag.fixedFields->operand(id, 0);
+  const std::uint32_t exponent = dag.fixedFields->operand(id, 1);
+  if (randomTopBit(rng) && !isFixed<DoubleArithmetic>(dag, base))
+    return pickAny(dag, base, rng, decision);
+  return !isFixed<DoubleArithmetic>(dag, exponent) && pickAny(dag, exponent, rng, decision);
+}
+
+}  // namespace ombrix
