@@ -17,6 +17,32 @@ using FamilyMaker = Node* (*)(Dag&, std::uint32_t);
 /// The maker of a family whose class depends on the operand count; null for every other type.
 FamilyMaker familyMaker(NodeType type) {
   switch (type) {
+    case NodeType::And:
+      return createAndNode;
+    case NodeType::Or:
+      return createOrNode;
+    case NodeType::Xor:
+      return createXorNode;
+    case NodeType::BooleanSum:
+      return createBooleanSumNode;
+    case NodeType::Sum:
+      return createSumNode;
+    case NodeType::ScalarSum:
+      return createScalarSumNode;
+    case NodeType::Product:
+      return createProductNode;
+    case NodeType::ScalarProduct:
+      return createScalarProductNode;
+    case NodeType::Min:
+      return createMinNode;
+    case NodeType::ScalarMin:
+      return createScalarMinNode;
+    case NodeType::Max:
+      return createMaxNode;
+    case NodeType::ScalarMax:
+      return createScalarMaxNode;
+    case NodeType::Array:
+      return createArrayNode;
     default:
       return nullptr;
   }
