@@ -1,4 +1,5 @@
-# Configures, builds and runs the foreign project of this folder. WAY is package or subdirectory.
+# Builds and runs a foreign project. WAY is package or subdirectory for the C++ project of this
+# folder, java for the class that sees nothing but the jar.
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE result)
   if(NOT result EQUAL 0)
@@ -6,7 +7,22 @@ function(run)
   endif()
 endfunction()
 
+# The last command: what it prints is the answer that the README shows.
+function(run_knapsack)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE result OUTPUT_VARIABLE output)
+  if(NOT result EQUAL 0 OR NOT output STREQUAL "value 280, weight 102\n")
+    message(FATAL_ERROR "failed (${result}): ${ARGN}\n${output}")
+  endif()
+endfunction()
+
 file(REMOVE_RECURSE ${WORK_DIR})
+file(MAKE_DIRECTORY ${WORK_DIR})
+if(WAY STREQUAL "java")
+  run(${JAVAC} -cp ${JAR} -d ${WORK_DIR} ${CONSUMER_DIR}/Knapsack.java)
+  run_knapsack(${JAVA} -cp ${JAR}:${WORK_DIR} Knapsack)
+  return()
+endif()
+
 set(options -G Ninja -DCMAKE_BUILD_TYPE=${BUILD_TYPE})
 if(LAUNCHER)
   list(APPEND options -DCMAKE_CXX_COMPILER_LAUNCHER=${LAUNCHER})
@@ -19,4 +35,4 @@ else()
 endif()
 run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/build ${options})
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build -j 2)
-run(${WORK_DIR}/build/consumer)
+run_knapsack(${WORK_DIR}/build/consumer)

@@ -1,0 +1,314 @@
+#!/usr/bin/env python3
+"""Runs the program ombrix as a user does: exit status, forms of output, files, signals.
+
+usage: program_test.py PROGRAM TOOLS DATA [unittest arguments]
+"""
+import gzip
+import io
+import os
+import re
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+PROGRAM, TOOLS, DATA = sys.argv[1:4]
+sys.path.insert(0, TOOLS)
+import check_opb  # noqa: E402
+
+COVER = "min: +3 x1 +2 x2 +2 x3 ;\n+1 x1 +1 x2 >= 1 ;\n+1 x1 +1 x3 >= 1 ;\n"
+PRODUCTS = "max: +3 x1 x2 +2 ~x1 x3 -1 x2 x3 ;\n+1 x1 +1 x2 +1 x3 <= 2 ;\n"
+FEASIBILITY = "+1 x1 +1 x2 = 1 ;\n+1 ~x1 >= 1 ;\n"
+CONTRADICTION = "min: +1 x1 ;\n+1 x1 +1 x2 >= 3 ;\n"
+# Five pigeons in four holes: no solution, but not seen by looking at one constraint.
+PIGEONS = "".join(
+    " ".join("+1 x%d" % (4 * pigeon + hole + 1) for hole in range(4)) + " >= 1 ;\n"
+    for pigeon in range(5)
+) + "".join(
+    " ".join("+1 x%d" % (4 * pigeon + hole + 1) for pigeon in range(5)) + " <= 1 ;\n"
+    for hole in range(4)
+)
+
+
+class ProgramTest(unittest.TestCase):
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory()
+        self.addCleanup(holder.cleanup)
+        self.folder = holder.name
+
+    def path(self, name):
+        return os.path.join(self.folder, name)
+
+    def model(self, text, name="model.opb"):
+        raw = text.encode("ascii")
+        with open(self.path(name), "wb") as stream:
+            stream.write(gzip.compress(raw) if name.endswith(".gz") else raw)
+        return self.path(name)
+
+    def run_program(self, *arguments):
+        return subprocess.run(
+            [PROGRAM, *arguments],
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            text=True,
+            timeout=120,
+            cwd=self.folder,
+            check=False,
+        )
+
+    def solve(self, text, *arguments, name="model.opb"):
+        limits = () if "--phase" in arguments else ("--iterations", "20000")
+        return self.run_program("solve", self.model(text, name), *limits, *arguments)
+
+    def assert_failure(self, result, *texts):
+        self.assertEqual(result.returncode, 1, result)
+        self.assertEqual(result.stderr.count("\n"), 1, result.stderr)
+        self.assertTrue(result.stderr.startswith("ombrix: "), result.stderr)
+        for text in texts:
+            self.assertIn(text, result.stderr)
+
+    def check(self, name, lines):
+        return check_opb.check(name, io.StringIO(lines))
+
+
+class Competition(ProgramTest):
+    def test_lines_in_their_order(self):
+        result = self.solve(COVER, "--output", "pb")
+        self.assertEqual(result.returncode, 0, result)
+        kinds = re.sub(r"(.)\1+", r"\1", "".join(line[0] for line in result.stdout.splitlines()))
+        self.assertEqual(kinds, "cosv")
+        self.assertIn("\ns SATISFIABLE\n", result.stdout)
+        self.assertEqual(result.stdout.splitlines()[-1].split()[0], "v")
+        self.assertEqual(self.check(self.path("model.opb"), result.stdout), "objective 3")
+        self.assertEqual(result.stderr, "")
+
+    def test_improvements_only_improve(self):
+        name = os.path.join(DATA, "scp200x1000.opb")
+        result = self.run_program("solve", name, "--iterations", "200000", "--output", "pb")
+        self.assertEqual(result.returncode, 0, result.stderr)
+        values = [int(line[2:]) for line in result.stdout.splitlines() if line.startswith("o ")]
+        self.assertGreater(len(values), 0)
+        self.assertEqual(values, sorted(set(values), reverse=True))
+        self.assertEqual(self.check(name, result.stdout), "objective %d" % values[-1])
+
+    def test_maximisation_with_products(self):
+        result = self.solve(PRODUCTS, "--output", "pb")
+        self.assertEqual(result.returncode, 0, result)
+        self.assertEqual(self.check(self.path("model.opb"), result.stdout), "objective 3")
+
+    def test_a_model_without_objective_has_no_o_line(self):
+        result = self.solve(FEASIBILITY, "--output", "pb")
+        self.assertEqual(result.returncode, 0, result)
+        self.assertNotIn("\no ", result.stdout)
+        self.assertIn("\ns SATISFIABLE\n", result.stdout)
+        self.assertEqual(self.check(self.path("model.opb"), result.stdout), "objective none")
+
+    def test_an_objective_that_cannot_be_better_is_optimal(self):
+        result = self.solve("min: +1 x1 +1 x2 ;\n+1 x2 +1 x3 >= 1 ;\n", "--output", "pb")
+        self.assertEqual(result.returncode, 0, result)
+        self.assertIn("\no 0\ns OPTIMUM FOUND\n", result.stdout)
+
+    def test_contradiction(self):
+        result = self.solve(CONTRADICTION, "--output", "pb")
+        self.assertEqual(result.returncode, 3, result)
+        self.assertTrue(result.stdout.endswith("\ns UNSATISFIABLE\n"), result.stdout)
+
+    def test_nothing_found(self):
+        result = self.solve(PIGEONS, "--output", "pb", "--solution", self.path("best.txt"))
+        self.assertEqual(result.returncode, 2, result)
+        self.assertTrue(result.stdout.endswith("\ns UNKNOWN\n"), result.stdout)
+        self.assertEqual(os.listdir(self.folder), ["model.opb"])
+
+    def test_the_display_stands_in_comments(self):
+        result = self.solve(COVER, "--output", "pb", "--verbosity", "1")
+        self.assertIn("c Phase 0:", result.stdout)
+        for line in result.stdout.splitlines():
+            self.assertRegex(line, r"^[cosv] ?")
+
+    def test_every_variable_has_a_value(self):
+        result = self.solve("min: +1 x9 ;\n+1 x1 +0 x7 +1 x3 ~x3 x4 >= 1 ;\n", "--output", "pb")
+        values, _ = check_opb.read_solution(io.StringIO(result.stdout))
+        self.assertEqual(set(values), {"x1", "x3", "x4", "x7", "x9"})
+
+
+class Plain(ProgramTest):
+    def test_display_then_decisions(self):
+        result = self.solve(COVER)
+        self.assertEqual(result.returncode, 0, result)
+        self.assertIn("Phase 0:", result.stdout)
+        self.assertIn("\nStatus: feasible\nObjective: 3\nDecisions:\n", result.stdout)
+        self.assertTrue(result.stdout.endswith("  x1 = 1\n  x2 = 0\n  x3 = 0\n"), result.stdout)
+
+    def test_verbosity_0_shows_the_result_only(self):
+        result = self.solve(FEASIBILITY, "--verbosity", "0")
+        self.assertEqual(
+            result.stdout, "Status: optimal\nDecisions:\n  x1 = 0\n  x2 = 1\n", result
+        )
+
+    def test_contradiction(self):
+        result = self.solve(CONTRADICTION)
+        self.assertEqual(result.returncode, 3, result)
+        self.assertTrue(
+            result.stdout.endswith("Status: inconsistent, the model has no solution\n")
+        )
+
+    def test_nothing_found(self):
+        result = self.solve(PIGEONS)
+        self.assertEqual(result.returncode, 2, result)
+        self.assertTrue(result.stdout.endswith("Status: infeasible, no solution was found\n"))
+
+    def test_gzip(self):
+        result = self.solve(COVER, "--verbosity", "0", name="model.opb.gz")
+        self.assertEqual(result.returncode, 0, result)
+        self.assertIn("Objective: 3\n", result.stdout)
+
+    def test_phases(self):
+        result = self.solve(
+            COVER, "--phase", "iterations=1000,objective=0", "--phase", "iterations=500"
+        )
+        self.assertEqual(result.returncode, 0, result)
+        self.assertIn("Phase 0:", result.stdout)
+        self.assertIn("Phase 1:", result.stdout)
+        self.assertIn("iteration limit = 1000, optimized objective = 0", result.stdout)
+
+    def test_options_reach_the_engine(self):
+        result = self.solve(
+            COVER, "--threads", "1", "--seed", "5", "--annealing-level", "3", "--set", "someKey=4"
+        )
+        self.assertIn("seed = 5, nb threads = 1, annealing level = 3", result.stdout)
+        self.assertIn("someKey = 4", result.stdout)
+
+    def test_the_same_seed_gives_the_same_run(self):
+        name = os.path.join(DATA, "mkp5x100.opb")
+        options = ("solve", name, "--iterations", "50000", "--verbosity", "0", "--seed", "3")
+        first = self.run_program(*options)
+        self.assertEqual(first.returncode, 0, first)
+        self.assertEqual(first.stdout, self.run_program(*options).stdout)
+
+
+class SolutionFile(ProgramTest):
+    def test_holds_the_v_lines(self):
+        result = self.solve(COVER, "--output", "pb", "--solution", self.path("best.txt"))
+        with open(self.path("best.txt"), encoding="ascii") as stream:
+            text = stream.read()
+        lines = [line for line in result.stdout.splitlines(True) if line.startswith("v")]
+        self.assertEqual(text, "".join(lines))
+        self.assertEqual(sorted(os.listdir(self.folder)), ["best.txt", "model.opb"])
+
+    def test_a_place_that_cannot_be_written_is_told_before_the_search(self):
+        name = self.model(COVER)
+        result = self.run_program("solve", name, "--solution", "/no/such/folder/best.txt")
+        self.assert_failure(result, "/no/such/folder/best.txt: cannot be written: ")
+
+
+class Failures(ProgramTest):
+    def test_usage(self):
+        self.assert_failure(self.run_program())
+        self.assert_failure(self.run_program("solve"))
+        self.assert_failure(self.run_program("solve", "m.opb", "--time", "0"), "--time")
+        self.assert_failure(self.run_program("dance"))
+
+    def test_missing_file(self):
+        result = self.run_program("solve", "missing.opb")
+        self.assert_failure(result, "missing.opb: cannot be opened: No such file or directory")
+
+    def test_malformed_file(self):
+        name = self.model("min: +1 x1 ;\n+1 x1 > 1 ;\n")
+        for command in ("solve", "info"):
+            result = self.run_program(command, name)
+            self.assert_failure(result, name + ':2:7: found ">", expected')
+
+    def test_an_objective_that_is_not_there(self):
+        result = self.solve(COVER, "--objective", "1")
+        self.assert_failure(
+            result,
+            "Objective with index 1 does not exist. Only indices from 0 to 0 are currently allowed.",
+        )
+
+    def test_a_closed_standard_output(self):
+        with open("/dev/full", "w", encoding="ascii") as full:
+            result = subprocess.run(
+                [PROGRAM, "solve", self.model(COVER), "--iterations", "1000", "--verbosity", "0"],
+                stdout=full,
+                stderr=subprocess.PIPE,
+                text=True,
+                check=False,
+            )
+        self.assert_failure(result, "the standard output cannot be written")
+
+
+class Information(ProgramTest):
+    def test_version_and_help(self):
+        version = self.run_program("--version")
+        self.assertEqual(version.returncode, 0)
+        self.assertTrue(version.stdout.startswith("Ombrix 3.1 "), version.stdout)
+        for arguments in (("--help",), ("solve", "--help"), ("info", "--help")):
+            result = self.run_program(*arguments)
+            self.assertEqual(result.returncode, 0)
+            self.assertRegex(result.stdout, "Examples?:\n  ombrix ")
+
+    def test_info(self):
+        result = self.run_program("info", self.model(COVER))
+        self.assertEqual(result.returncode, 0, result)
+        for text in (
+            "\n    bool = 3\n",
+            "\n    geq = 2\n",
+            "\n  decisions = 3\n",
+            "\n  constraints = 2\n",
+            "\n  objectives = 1\n",
+            "\n  inconsistent = no\n",
+            "\n    boolean = 3\n",
+            "\n  ranks = ",
+            "\n  closing time = ",
+            "\n  closing memory = ",
+        ):
+            self.assertIn(text, result.stdout)
+
+    def test_info_of_a_contradiction(self):
+        result = self.run_program("info", self.model(CONTRADICTION))
+        self.assertEqual(result.returncode, 0, result)
+        self.assertIn("\n  inconsistent = yes\n", result.stdout)
+
+
+class Signals(ProgramTest):
+    def interrupted(self, number, *arguments):
+        """Starts an endless solve, sends the signal once a solution is there."""
+        name = os.path.join(DATA, "scp200x1000.opb")
+        with subprocess.Popen(
+            [PROGRAM, "solve", name, "--output", "pb", *arguments],
+            stdin=subprocess.DEVNULL,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE,
+            text=True,
+        ) as process:
+            lines = []
+            for line in process.stdout:
+                lines.append(line)
+                if line.startswith("o "):
+                    break
+            process.send_signal(number)
+            began = time.monotonic()
+            rest, errors = process.communicate(timeout=60)
+        self.assertLess(time.monotonic() - began, 20)
+        self.assertEqual(process.returncode, 0, errors)
+        output = "".join(lines) + rest
+        self.assertIn("\ns SATISFIABLE\n", output)
+        self.check(name, output)
+
+    def test_ctrl_c(self):
+        self.interrupted(signal.SIGINT)
+
+    def test_terminate(self):
+        self.interrupted(signal.SIGTERM)
+
+    def test_one_signal_ends_all_phases(self):
+        phases = []
+        for _ in range(20):
+            phases += ["--phase", "time=1000"]
+        self.interrupted(signal.SIGINT, *phases)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
