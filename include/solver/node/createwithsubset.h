@@ -19,6 +19,15 @@ Node* createWithSubset(Dag& dag, std::uint32_t nbOperands) {
   });
 }
 
+/// The same for a family that has coefficients too.
+template <template <typename, typename> class NodeTemplate, typename Selector>
+Node* createWithSubset(Dag& dag, std::uint32_t nbOperands) {
+  return withSubset(nbOperands, [&](auto subset) -> Node* {
+    using NodeClass = NodeTemplate<typename decltype(subset)::type, Selector>;
+    return new (dag.allocate(sizeof(NodeClass))) NodeClass(nbOperands);
+  });
+}
+
 }  // namespace ombrix
 
 #endif

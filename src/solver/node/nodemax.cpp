@@ -4,15 +4,8 @@
 
 namespace ombrix {
 
-namespace {
-
-template <typename S>
-using NodeMaxTemplate = NodeScalarMaxTemplate<S, IntOneSelector>;
-
-}  // namespace
-
 Node* createMaxNode(Dag& dag, std::uint32_t nbOperands) {
-  return createWithSubset<NodeMaxTemplate>(dag, nbOperands);
+  return createWithSubset<NodeScalarMaxTemplate, IntOneSelector>(dag, nbOperands);
 }
 
 }  // namespace ombrix

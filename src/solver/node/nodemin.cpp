@@ -4,15 +4,8 @@
 
 namespace ombrix {
 
-namespace {
-
-template <typename S>
-using NodeMinTemplate = NodeScalarMinTemplate<S, IntOneSelector>;
-
-}  // namespace
-
 Node* createMinNode(Dag& dag, std::uint32_t nbOperands) {
-  return createWithSubset<NodeMinTemplate>(dag, nbOperands);
+  return createWithSubset<NodeScalarMinTemplate, IntOneSelector>(dag, nbOperands);
 }
 
 }  // namespace ombrix

@@ -4,15 +4,8 @@
 
 namespace ombrix {
 
-namespace {
-
-template <typename S>
-using NodeProductTemplate = NodeScalarProductTemplate<S, IntOneSelector>;
-
-}  // namespace
-
 Node* createProductNode(Dag& dag, std::uint32_t nbOperands) {
-  return createWithSubset<NodeProductTemplate>(dag, nbOperands);
+  return createWithSubset<NodeScalarProductTemplate, IntOneSelector>(dag, nbOperands);
 }
 
 }  // namespace ombrix

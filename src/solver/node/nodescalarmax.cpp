@@ -4,15 +4,8 @@
 
 namespace ombrix {
 
-namespace {
-
-template <typename S>
-using NodeWithScalars = NodeScalarMaxTemplate<S, IntScalarSelector>;
-
-}  // namespace
-
 Node* createScalarMaxNode(Dag& dag, std::uint32_t nbOperands) {
-  return createWithSubset<NodeWithScalars>(dag, nbOperands);
+  return createWithSubset<NodeScalarMaxTemplate, IntScalarSelector>(dag, nbOperands);
 }
 
 }  // namespace ombrix

@@ -4,15 +4,8 @@
 
 namespace ombrix {
 
-namespace {
-
-template <typename S>
-using NodeWithScalars = NodeScalarMinTemplate<S, IntScalarSelector>;
-
-}  // namespace
-
 Node* createScalarMinNode(Dag& dag, std::uint32_t nbOperands) {
-  return createWithSubset<NodeWithScalars>(dag, nbOperands);
+  return createWithSubset<NodeScalarMinTemplate, IntScalarSelector>(dag, nbOperands);
 }
 
 }  // namespace ombrix

@@ -4,15 +4,8 @@
 
 namespace ombrix {
 
-namespace {
-
-template <typename S>
-using NodeWithScalars = NodeScalarProductTemplate<S, IntScalarSelector>;
-
-}  // namespace
-
 Node* createScalarProductNode(Dag& dag, std::uint32_t nbOperands) {
-  return createWithSubset<NodeWithScalars>(dag, nbOperands);
+  return createWithSubset<NodeScalarProductTemplate, IntScalarSelector>(dag, nbOperands);
 }
 
 }  // namespace ombrix

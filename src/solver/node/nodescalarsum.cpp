@@ -4,15 +4,8 @@
 
 namespace ombrix {
 
-namespace {
-
-template <typename S>
-using NodeWithScalars = NodeScalarSumTemplate<S, IntScalarSelector>;
-
-}  // namespace
-
 Node* createScalarSumNode(Dag& dag, std::uint32_t nbOperands) {
-  return createWithSubset<NodeWithScalars>(dag, nbOperands);
+  return createWithSubset<NodeScalarSumTemplate, IntScalarSelector>(dag, nbOperands);
 }
 
 }  // namespace ombrix

@@ -4,15 +4,8 @@
 
 namespace ombrix {
 
-namespace {
-
-template <typename S>
-using NodeSumTemplate = NodeScalarSumTemplate<S, IntOneSelector>;
-
-}  // namespace
-
 Node* createSumNode(Dag& dag, std::uint32_t nbOperands) {
-  return createWithSubset<NodeSumTemplate>(dag, nbOperands);
+  return createWithSubset<NodeScalarSumTemplate, IntOneSelector>(dag, nbOperands);
 }
 
 }  // namespace ombrix
