@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -251,6 +252,28 @@ INSTANTIATE_TEST_SUITE_P(
         Malformed{"\xc3\xa9",
                   "1:1: found the byte 0xc3, expected the coefficient that begins a "
                   "constraint"}));
+
+TEST(OpbReader, WhateverIsWrittenIsReadOrRefusedWithItsPlace) {
+  const std::string valid =
+      "* c\nmin: +3 x1 -2 ~x2 x3 ;\n+1 x1 >= 1 ;\n-9 ~x2 = 0 ;\n+1 x3 <= 1 ;\n";
+  const std::string pieces = "+-0123456789 x~;=<>*:min\n\t\x01\xff.";
+  for (unsigned seed = 0; seed < 2000; ++seed) {
+    std::mt19937 rng(seed);
+    std::string text = valid;
+    for (unsigned i = 0; i < 1 + seed % 5; ++i) {
+      const std::size_t position = rng() % text.size();
+      if (rng() % 3 == 0) {
+        text.erase(position, 1 + rng() % 4);
+      } else {
+        text.insert(position, 1, pieces[rng() % pieces.size()]);
+      }
+    }
+    const std::string refusal = refusalOf(text);
+    if (refusal == "accepted") continue;
+    ASSERT_THAT(refusal, ::testing::MatchesRegex("[0-9]+:[0-9]+: found .+, expected .+"))
+        << "seed " << seed;
+  }
+}
 
 TEST(OpbReader, AFileThatIsNotThereIsNamed) {
   try {
