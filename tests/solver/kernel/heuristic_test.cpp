@@ -84,11 +84,15 @@ protected:
 };
 
 TEST_F(HeuristicTest, RefusesAModelWithoutObjective) {
-  builder.boolean();
-  builder.fields.finish();
-  Dag bare(builder.fields);
+  builder.minimise(builder.boolean());
+  start();
+  // No Dag can be built over such a model, so the objective is taken away afterwards.
+  builder.fields.objectives.clear();
+  test::expectFailure(kInternal, "Heuristic::initObjectiveBounds",
+                      "At least one objective is needed.",
+                      [&] { heuristic->initObjectiveBounds(); });
   test::expectFailure(kInternal, "Heuristic::Heuristic", "At least one objective is needed.",
-                      [&] { Heuristic worker(bare, &rng); });
+                      [&] { Heuristic worker(*dag, &rng); });
 }
 
 TEST_F(HeuristicTest, ObjectiveBoundsStartAtWhatTheDirectionNeverReaches) {
