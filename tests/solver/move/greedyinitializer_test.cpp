@@ -99,10 +99,10 @@ TEST_F(GreedyInitializerTest, RaisesDecisionsUntilEveryConstraintHolds) {
   for (std::uint32_t i = 0; i + 5 <= x.size(); i += 5) {
     const std::vector<std::uint32_t> row(x.begin() + i, x.begin() + i + 5);
     const auto list = builder.node(NodeType::BooleanSum, row);
-    builder.constraint(builder.node(NodeType::Eq, {list, builder.constant(2)}));
+    builder.constraint(builder.node(NodeType::Eq, {list, builder.constant(1)}));
   }
   EXPECT_TRUE(run());
-  EXPECT_EQ(nbRaised(x), 8);
+  EXPECT_EQ(nbRaised(x), 4);
   EXPECT_EQ(dag->propagation.infeasibility.nbViolated, 0);
   EXPECT_TRUE(dag->propagation.activeConstraints.isFull());
   test::expectConsistent(*dag);
@@ -125,6 +125,15 @@ TEST_F(GreedyInitializerTest, ARaiseThatDoesNotHelpIsUndone) {
   builder.constraint(x[0]);
   EXPECT_TRUE(run());
   EXPECT_EQ(nbRaised(x), 1);
+}
+
+TEST_F(GreedyInitializerTest, AnEqualityThatOneRaiseDoesNotSatisfyIsNotApproached) {
+  // While as many equalities are violated as before, no state counts as better.
+  const auto x = builder.booleans(4);
+  const auto list = builder.node(NodeType::BooleanSum, x);
+  builder.constraint(builder.node(NodeType::Eq, {list, builder.constant(2)}));
+  EXPECT_FALSE(run());
+  EXPECT_EQ(nbRaised(x), 0);
 }
 
 TEST_F(GreedyInitializerTest, TheOperandsOfASumAtItsLimitAreNotDrawnAgain) {
@@ -154,7 +163,7 @@ TEST_F(GreedyInitializerTest, ForcedRunsOnAFeasibleStateWithoutChangingIt) {
 TEST_F(GreedyInitializerTest, TheDrawsArePinned) {
   const auto x = builder.booleans(6);
   const auto list = builder.node(NodeType::BooleanSum, x);
-  builder.constraint(builder.node(NodeType::Eq, {list, builder.constant(3)}));
+  builder.constraint(builder.node(NodeType::Geq, {list, builder.constant(3)}));
   EXPECT_TRUE(run());
   // The shuffle of 0 to 5 from state 1: the first three draws.
   EXPECT_EQ(nbRaised(x), 3);
