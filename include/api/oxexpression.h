@@ -10,6 +10,7 @@ namespace ombrix {
 
 class Ombrix;
 class OXModel;
+struct Where;
 
 /// One vertex of a model: an operator over operands. The object is the record itself, created and
 /// owned by its OXModel, so a pointer to it stays valid as long as the model.
@@ -62,6 +63,20 @@ private:
 
   OXExpression(OXModel* owner, int position, OXOperator operation);
   ~OXExpression() = default;
+
+  void appendOperand(std::int32_t operandIndex);
+  void growOperands(const std::int32_t* stored, std::int32_t capacity);
+  void addChecked(const OXExpression* expr, const Where& where);
+  void setChecked(int position, const OXExpression* expr, const Where& where);
+  void checkNextOperand(const OXExpression& expr, const Where& where) const;
+  void checkPosition(int position, const Where& where) const;
+  bool hasOwnValue() const;
+  void writeInt(long long value, const Where& where);
+  [[noreturn]] void writeDouble(const Where& where);
+  long long readInt(const Where& where) const;
+  double readDouble(const Where& where) const;
+  std::string ownName() const;
+  std::string text() const;
 
   /// A constant holds its value; up to two operands stand inline; more stand in an array of the
   /// heap whose last slot holds the sentinel -1 and whose free slots hold 0. nbOperands tells

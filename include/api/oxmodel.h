@@ -14,7 +14,9 @@
 namespace ombrix {
 
 class DagBuilder;
+class ExpressionPool;
 class Ombrix;
+struct Where;
 
 /// A model: a directed acyclic graph of expressions, some of them boolean decisions, some marked as
 /// constraints, some as objectives. Owned by its Ombrix; owns its expressions.
@@ -56,9 +58,17 @@ private:
   friend class OXExpression;
   friend struct ModelRecord;
 
-  class ExpressionPool;
-
   explicit OXModel(Ombrix* owner);
+
+  OXExpression* createRecord(OXOperator op);
+  OXExpression* findOrCreateConstant(std::int64_t value, const Where& where);
+  OXExpression* findOrCreateConstant(double value, const Where& where);
+  OXExpression* createChecked(OXOperator op, OXExpression* const* operands, std::int32_t nb);
+  void checkOperatorToCreate(OXOperator op, const Where& where) const;
+  void checkOperandToCreate(OXOperator op, std::int32_t position, const OXExpression* operand,
+                            const Where& where) const;
+  void checkRoomForOperand(std::int32_t nbPending, const Where& where) const;
+  void transform();
 
   Ombrix* ombrix;
   std::map<std::int64_t, OXExpression*> intConstants;

@@ -10,6 +10,7 @@ namespace ombrix {
 
 class Ombrix;
 union OXValue;
+struct Where;
 
 /// The settings of a search, owned by their Ombrix. Setters take effect at the next solve.
 ///
@@ -84,9 +85,20 @@ public:
 
 private:
   friend class Ombrix;
+  friend class OXModel;
   friend struct SolverRecord;
 
   explicit OXParam(Ombrix* owner);
+
+  void setIntBound(int objective, long long bound, const Where& where);
+  void setDoubleBound(int objective, double bound, const Where& where);
+  long long intBound(int objective, const Where& where) const;
+  void checkIntObjective(int objective, const Where& where) const;
+  void checkDoubleObjective(int objective, const Where& where) const;
+  std::int8_t typeOfObjective(int objective, const Where& where) const;
+  void resizeBounds();
+  std::string limitsText() const;
+  std::string objectivesText() const;
 
   Ombrix* ombrix;
   std::int32_t seed = 0;

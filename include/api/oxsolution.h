@@ -1,6 +1,7 @@
 #ifndef OMBRIX_API_OXSOLUTION_H
 #define OMBRIX_API_OXSOLUTION_H
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@ namespace ombrix {
 class Ombrix;
 class OXExpression;
 union OXValue;
+struct Where;
 
 /// One assignment of the decisions, owned by its Ombrix: where the next search starts, and after it
 /// the best solution found. Every other expression is evaluated from the decisions when it is read,
@@ -58,9 +60,24 @@ public:
 private:
   friend class Ombrix;
   friend class OXExpression;
+  friend class OXModel;
   friend struct SolverRecord;
 
   explicit OXSolution(Ombrix* owner);
+
+  void reset();
+  void writeInt(const OXExpression* expr, long long value, const Where& where);
+  [[noreturn]] void writeDouble(const OXExpression* expr, const Where& where);
+  long long readInt(const OXExpression* expr, const Where& where) const;
+  double readDouble(const OXExpression* expr, const Where& where) const;
+  OXValue valueOf(const OXExpression& expr) const;
+  void evaluate(const OXExpression& start) const;
+  bool settle(const OXExpression& operand) const;
+  void compute(const OXExpression& expr) const;
+  void forgetIfDirty() const;
+  OXSolutionStatus computeStatus() const;
+  bool violatesConstraint() const;
+  bool reachesBound(std::size_t objective) const;
 
   Ombrix* ombrix;
   /// Caches filled by reads: values of decisions are settled, all others follow from them.

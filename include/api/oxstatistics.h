@@ -57,6 +57,7 @@ private:
   /// The statistics of a phase, or the totals of the solver if the phase is null.
   OXStatistics(Ombrix* owner, const OXPhase* counted);
 
+  double percentOfMoves(std::int64_t count) const;
   void resetCounters();
   void refresh(const SearchCounters& counters);
   void refreshTotals();

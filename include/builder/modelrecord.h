@@ -34,6 +34,10 @@ struct ModelRecord {
   /// The value of a "const", in the member of its type.
   static OXValue constant(const OXExpression& e) { return OXValue::ofInt(e.data.intValue); }
   static OXModel& model(const OXExpression& e) { return *e.model; }
+  /// The text of OXExpression::toString.
+  static std::string text(const OXExpression& e) { return e.text(); }
+  /// The name of the expression, empty if it has none.
+  static std::string name(const OXExpression& e) { return e.ownName(); }
 
   static Ombrix& ombrix(const OXModel& model) { return *model.ombrix; }
   static const std::vector<OXExpression*>& expressions(const OXModel& model) {

@@ -12,6 +12,10 @@
 
 namespace ombrix {
 
+/// The limits of a phase that mean that there is none.
+inline constexpr std::int32_t kNoTimeLimit = 2147483647;
+inline constexpr std::int64_t kNoIterationLimit = 9223372036854775807;
+
 /// The raw counters of one phase, as the search objects tell them.
 struct SearchCounters {
   std::int32_t runningTime = 0;

@@ -23,6 +23,20 @@ std::string notPositive(const std::string& name);
 std::string notStrictlyPositive(const std::string& name);
 /// "Number of NOUN cannot exceed N."
 std::string capacityExceeded(const std::string& noun, long long limit);
+/// "Cannot use this method. The given expression must be boolean or integer."
+std::string mustBeIntegral();
+/// "Cannot use this method. The given expression must be double."
+std::string mustBeDouble();
+/// "Cannot use NaN (Not a Number) as a double constant."
+std::string notANumber();
+/// "Number of operands (N) is too large: at most M operands are expected for EXPR."
+std::string tooManyOperands(long long given, long long allowed, const std::string& expr);
+/// "Number of operands (N) is too small: at least M operands are expected for EXPR."
+std::string tooFewOperands(long long given, long long required, const std::string& expr);
+/// "Operand P of EXPR must be TYPES", without a final point.
+std::string wrongOperand(long long position, const std::string& expr, const std::string& types);
+/// "expression with type 'NAME'": an expression of which only the operator is told.
+std::string expressionWithType(const std::string& operatorName);
 
 }  // namespace ombrix::messages
 

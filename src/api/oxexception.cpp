@@ -15,6 +15,8 @@ OXException::OXException(int failureCode, std::string file, int line, std::strin
 
 OXException::~OXException() = default;
 
-const char* OXException::what() const noexcept { return message.c_str(); }
+const char* OXException::what() const noexcept {
+  return message.c_str();
+}
 
 }  // namespace ombrix

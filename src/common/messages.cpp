@@ -48,4 +48,34 @@ std::string capacityExceeded(const std::string& noun, long long limit) {
   return text("Number of ", noun, " cannot exceed ", limit, ".");
 }
 
+std::string mustBeIntegral() {
+  return "Cannot use this method. The given expression must be boolean or integer.";
+}
+
+std::string mustBeDouble() {
+  return "Cannot use this method. The given expression must be double.";
+}
+
+std::string notANumber() {
+  return "Cannot use NaN (Not a Number) as a double constant.";
+}
+
+std::string tooManyOperands(long long given, long long allowed, const std::string& expr) {
+  return text("Number of operands (", given, ") is too large: at most ", allowed,
+              " operands are expected for ", expr, ".");
+}
+
+std::string tooFewOperands(long long given, long long required, const std::string& expr) {
+  return text("Number of operands (", given, ") is too small: at least ", required,
+              " operands are expected for ", expr, ".");
+}
+
+std::string wrongOperand(long long position, const std::string& expr, const std::string& types) {
+  return text("Operand ", position, " of ", expr, " must be ", types);
+}
+
+std::string expressionWithType(const std::string& operatorName) {
+  return text("expression with type '", operatorName, "'");
+}
+
 }  // namespace ombrix::messages
