@@ -1,0 +1,106 @@
+// The rules of BoundsInferrer for comparisons. The second operand is narrowed by what the first one
+// has become.
+
+#include <algorithm>
+#include <utility>
+
+#include "builder/preprocessor/boundsinferrer.h"
+#include "solver/kernel/saturating.h"
+
+namespace ombrix {
+
+namespace {
+
+bool isDouble(const OXExpression& e) {
+  return ModelRecord::valueType(e) == kDoubleType;
+}
+
+/// Of a false comparison the opposite one is true.
+OXOperator opposite(OXOperator op) {
+  switch (op) {
+    case OXOperator::Geq:
+      return OXOperator::Lt;
+    case OXOperator::Leq:
+      return OXOperator::Gt;
+    case OXOperator::Gt:
+      return OXOperator::Leq;
+    default:
+      return OXOperator::Geq;
+  }
+}
+
+}  // namespace
+
+/// Both operands are equal.
+void BoundsInferrer::inferEqual(const OXExpression& e) {
+  OXExpression& a = *ModelRecord::operand(e, 0);
+  OXExpression& b = *ModelRecord::operand(e, 1);
+  if (preprocessor->hasDoubleOperand(e)) {
+    doubleEqualTo(a, b);
+    doubleEqualTo(b, a);
+  } else {
+    preprocessor->intersectIntBounds(a, preprocessor->intBounds(b));
+    preprocessor->intersectIntBounds(b, preprocessor->intBounds(a));
+  }
+}
+
+void BoundsInferrer::doubleEqualTo(OXExpression& a, const OXExpression& b) {
+  if (isDouble(a)) {
+    preprocessor->intersectDoubleBounds(a, preprocessor->doubleBounds(b));
+  } else {
+    preprocessor->intersectIntBounds(a, lowerAsInt(b), upperAsInt(b));
+  }
+}
+
+/// Doubles have no strict order: whichever of both operands is larger may be equal as well.
+void BoundsInferrer::inferOrder(const OXExpression& e) {
+  OXExpression& a = *ModelRecord::operand(e, 0);
+  OXExpression& b = *ModelRecord::operand(e, 1);
+  const OXOperator op = isKnownTrue(e) ? ModelRecord::op(e) : opposite(ModelRecord::op(e));
+  const bool isFirstLarger = op == OXOperator::Geq || op == OXOperator::Gt;
+  if (preprocessor->hasDoubleOperand(e))
+    return isFirstLarger ? doubleAtLeast(a, b) : doubleAtLeast(b, a);
+  switch (op) {
+    case OXOperator::Geq:
+      return intAtLeast(a, b);
+    case OXOperator::Gt:
+      return intAbove(a, b);
+    case OXOperator::Leq:
+      return intAtMost(a, b);
+    default:
+      return intBelow(a, b);
+  }
+}
+
+void BoundsInferrer::intAtMost(OXExpression& a, OXExpression& b) {
+  preprocessor->intersectIntBounds(a, kIntMin, preprocessor->intBounds(b).high);
+  preprocessor->intersectIntBounds(b, preprocessor->intBounds(a).low, kIntMax);
+}
+
+void BoundsInferrer::intAtLeast(OXExpression& a, OXExpression& b) {
+  preprocessor->intersectIntBounds(a, preprocessor->intBounds(b).low, kIntMax);
+  preprocessor->intersectIntBounds(b, kIntMin, preprocessor->intBounds(a).high);
+}
+
+void BoundsInferrer::intBelow(OXExpression& a, OXExpression& b) {
+  preprocessor->intersectIntBounds(a, kIntMin, saturatingSub(preprocessor->intBounds(b).high, 1));
+  preprocessor->intersectIntBounds(b, saturatingAdd(preprocessor->intBounds(a).low, 1), kIntMax);
+}
+
+void BoundsInferrer::intAbove(OXExpression& a, OXExpression& b) {
+  preprocessor->intersectIntBounds(a, saturatingAdd(preprocessor->intBounds(b).low, 1), kIntMax);
+  preprocessor->intersectIntBounds(b, kIntMin, saturatingSub(preprocessor->intBounds(a).high, 1));
+}
+
+void BoundsInferrer::doubleAtLeast(OXExpression& a, OXExpression& b) {
+  for (OXExpression* e : {&a, &b}) {
+    if (isDouble(*e)) {
+      preprocessor->intersectDoubleBounds(*e, preprocessor->doubleBounds(b).low,
+                                          preprocessor->doubleBounds(a).high);
+    } else {
+      preprocessor->intersectIntBounds(*e, lowerAsInt(b), upperAsInt(a));
+    }
+  }
+}
+
+}  // namespace ombrix
