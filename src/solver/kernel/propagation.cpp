@@ -307,15 +307,16 @@ void Propagation::updateViolated(const Dag& dag, std::uint32_t constraint) {
 }
 
 /// Called before the commit of a node: remembers what its parents above activeLevel last saw, or
-/// forgets it when they are up to date again.
+/// forgets it when they are up to date again. A node that was evaluated to its old value is not
+/// stale: its parents may count on hearing of real changes only.
 void Propagation::updateStaleness(const Dag& dag, std::uint32_t id) {
   const std::uint32_t* ends = dag.fixedFields->parentEndsOf(id);
   if (ends[lastLevel(dag)] == ends[activeLevel]) return;
-  if (!staleNodes.contains(id)) {
+  if (staleNodes.contains(id)) {
+    if (tentativeWasSeen(dag, id)) staleNodes.remove(id);
+  } else if (hasChanged(dag, id)) {
     staleNodes.add(id);
     staleValues[id] = dag.values[id];
-  } else if (tentativeWasSeen(dag, id)) {
-    staleNodes.remove(id);
   }
 }
 
