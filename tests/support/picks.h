@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <string>
+#include <utility>
 
 #include "solver/kernel/dag.h"
 #include "solver/kernel/random.h"
@@ -50,6 +52,29 @@ inline std::uint32_t seedForTopBits(std::initializer_list<int> bits) {
     for (int bit : bits) isWanted &= randomTopBit(rng) == (bit == 1);
     if (isWanted) return seed;
   }
+}
+
+/// Writes integer decisions in one move, evaluates all levels, and leaves the move open.
+inline void openMove(Dag& dag,
+                     std::initializer_list<std::pair<std::uint32_t, std::int64_t>> written) {
+  for (const auto& [decision, value] : written) dag.propagation.setValue(dag, decision, value);
+  ASSERT_TRUE(dag.propagation.evaluateConstraints(dag));
+  ASSERT_TRUE(dag.propagation.evaluateLevels(dag, dag.fixedFields->nbObjectives()));
+}
+
+/// The same, accepted.
+inline void acceptMove(Dag& dag,
+                       std::initializer_list<std::pair<std::uint32_t, std::int64_t>> written) {
+  openMove(dag, written);
+  dag.propagation.accept(dag);
+}
+
+/// The text that an action writes to the standard output.
+template <typename Action>
+std::string captured(const Action& action) {
+  testing::internal::CaptureStdout();
+  action();
+  return testing::internal::GetCapturedStdout();
 }
 
 inline void expectPick(const Pick& pick, std::uint32_t decision, std::uint32_t rng) {
