@@ -1,0 +1,126 @@
+#include "exampleprogram.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+
+namespace examples {
+
+using namespace ombrix;
+
+namespace {
+
+constexpr const char* kUsage = "usage: PROGRAM INSTANCE [SECONDS [BEST_KNOWN [SOLUTION_FILE]]]";
+
+template <typename Number>
+Number parse(const std::string& text, const char* name) {
+  Number value{};
+  const auto end = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (end.ec != std::errc() || end.ptr != text.data() + text.size()) {
+    throw std::runtime_error("found '" + text + "', expected a number for " + name + "; " + kUsage);
+  }
+  return value;
+}
+
+Arguments parseArguments(int argc, char** argv) {
+  if (argc < 2 || argc > 5) throw std::runtime_error(kUsage);
+  Arguments arguments;
+  arguments.instance = argv[1];
+  if (argc > 2) arguments.seconds = parse<int>(argv[2], "SECONDS");
+  if (arguments.seconds < 1) throw std::runtime_error("SECONDS must be at least 1");
+  // "-" leaves the best known value out, so that a solution file can be given without it.
+  if (argc > 3 && std::string(argv[3]) != "-") {
+    arguments.bestKnown = parse<double>(argv[3], "BEST_KNOWN");
+  }
+  if (argc > 4) arguments.solutionFile = argv[4];
+  return arguments;
+}
+
+void writeSolution(const std::string& fileName, const std::vector<long long>& solution) {
+  std::ofstream out(fileName);
+  for (const long long number : solution) out << number << '\n';
+  out.close();
+  if (!out) throw std::runtime_error("Cannot write file " + fileName);
+}
+
+bool isFeasible(OXSolutionStatus status) {
+  return status == OXSolutionStatus::Feasible || status == OXSolutionStatus::Optimal;
+}
+
+}  // namespace
+
+int runExample(int argc, char** argv, const std::function<void(const Arguments&)>& body) {
+  try {
+    body(parseArguments(argc, argv));
+    return EXIT_SUCCESS;
+  } catch (const OXException& failure) {
+    std::cerr << failure.getExplanation() << '\n';
+  } catch (const std::exception& failure) {
+    std::cerr << failure.what() << '\n';
+  }
+  return EXIT_FAILURE;
+}
+
+void solveFor(Ombrix& solver, int seconds) {
+  solver.createPhase()->setTimeLimit(seconds);
+  solver.solve();
+}
+
+void report(Ombrix& solver, const Arguments& arguments, double objective,
+            const std::vector<long long>& solution) {
+  if (!isFeasible(solver.getSolution()->getStatus())) {
+    std::cout << "no feasible solution found\n";
+    return;
+  }
+  std::cout.precision(15);
+  std::cout << "objective " << objective;
+  if (arguments.bestKnown) std::cout << ", best known " << *arguments.bestKnown;
+  std::cout << '\n';
+  if (!arguments.solutionFile.empty()) writeSolution(arguments.solutionFile, solution);
+}
+
+OXExpression* times(OXModel& model, long long factor, OXExpression* x) {
+  return model.createExpression(OXOperator::Prod, model.createConstant(factor), x);
+}
+
+void requireEqual(OXModel& model, OXExpression* expression, long long value) {
+  model.addConstraint(
+      model.createExpression(OXOperator::Eq, expression, model.createConstant(value)));
+}
+
+void requireAtMost(OXModel& model, OXExpression* expression, long long value) {
+  model.addConstraint(
+      model.createExpression(OXOperator::Leq, expression, model.createConstant(value)));
+}
+
+void requireAtLeast(OXModel& model, OXExpression* expression, long long value) {
+  model.addConstraint(
+      model.createExpression(OXOperator::Geq, expression, model.createConstant(value)));
+}
+
+Table createTable(OXModel& model, std::size_t nbRows, std::size_t nbColumns) {
+  Table table(nbRows, std::vector<OXExpression*>(nbColumns));
+  for (auto& row : table) {
+    OXExpression* chosen = model.createExpression(OXOperator::Sum);
+    for (OXExpression*& cell : row) {
+      cell = model.createExpression(OXOperator::Bool);
+      chosen->addOperand(cell);
+    }
+    requireEqual(model, chosen, 1);
+  }
+  return table;
+}
+
+std::vector<long long> chosenColumns(const Table& table) {
+  std::vector<long long> columns;
+  for (const auto& row : table) {
+    std::size_t column = 0;
+    while (column < row.size() && row[column]->getIntValue() == 0) ++column;
+    columns.push_back(static_cast<long long>(column));
+  }
+  return columns;
+}
+
+}  // namespace examples

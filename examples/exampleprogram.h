@@ -1,0 +1,50 @@
+#ifndef OMBRIX_EXAMPLES_EXAMPLEPROGRAM_H
+#define OMBRIX_EXAMPLES_EXAMPLEPROGRAM_H
+
+#include <ombrix/ombrix.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What the example programs share around their models: the command line, the search, the answer.
+namespace examples {
+
+struct Arguments {
+  std::string instance;
+  int seconds = 10;
+  std::optional<double> bestKnown;
+  std::string solutionFile;  ///< empty for none
+};
+
+/// Runs an example: reads the command line (INSTANCE [SECONDS [BEST_KNOWN [SOLUTION_FILE]]]), calls
+/// the body, and turns a failure into one line on the standard error and the exit status 1.
+int runExample(int argc, char** argv, const std::function<void(const Arguments&)>& body);
+
+/// Searches for the given time, with the engine's own display.
+void solveFor(ombrix::Ombrix& solver, int seconds);
+
+/// Prints the answer beside the best known value, and writes the solution if a file was given.
+/// Returns normally also when no feasible solution was found: it then says so.
+void report(ombrix::Ombrix& solver, const Arguments& arguments, double objective,
+            const std::vector<long long>& solution);
+
+/// The model's "factor times x".
+ombrix::OXExpression* times(ombrix::OXModel& model, long long factor, ombrix::OXExpression* x);
+
+/// "sum of the expressions is value", "at most value", "at least value".
+void requireEqual(ombrix::OXModel& model, ombrix::OXExpression* expression, long long value);
+void requireAtMost(ombrix::OXModel& model, ombrix::OXExpression* expression, long long value);
+void requireAtLeast(ombrix::OXModel& model, ombrix::OXExpression* expression, long long value);
+
+/// A rows x columns table of new decisions with exactly one chosen in every row.
+using Table = std::vector<std::vector<ombrix::OXExpression*>>;
+Table createTable(ombrix::OXModel& model, std::size_t nbRows, std::size_t nbColumns);
+
+/// The column chosen in every row of the solution.
+std::vector<long long> chosenColumns(const Table& table);
+
+}  // namespace examples
+
+#endif

@@ -1,0 +1,148 @@
+import java.io.IOException;
+import java.math.BigDecimal;
+import java.math.MathContext;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import ombrix.OXException;
+import ombrix.OXExpression;
+import ombrix.OXModel;
+import ombrix.OXOperator;
+import ombrix.OXSolutionStatus;
+import ombrix.Ombrix;
+
+/** What the example programs share around their models: the command line, the search, the answer. */
+final class ExampleProgram {
+  private static final String USAGE =
+      "usage: PROGRAM INSTANCE [SECONDS [BEST_KNOWN [SOLUTION_FILE]]]";
+
+  final String instance;
+  private int seconds = 10;
+  private Double bestKnown;
+  private Path solutionFile;
+
+  /** The part that differs from example to example. */
+  interface Body {
+    void run(ExampleProgram program) throws IOException;
+  }
+
+  private ExampleProgram(String[] args) {
+    if (args.length < 1 || args.length > 4) {
+      throw new IllegalArgumentException(USAGE);
+    }
+    instance = args[0];
+    if (args.length > 1) {
+      seconds = (int) number(args[1], "SECONDS");
+    }
+    if (seconds < 1) {
+      throw new IllegalArgumentException("SECONDS must be at least 1");
+    }
+    // "-" leaves the best known value out, so that a solution file can be given without it.
+    if (args.length > 2 && !args[2].equals("-")) {
+      bestKnown = number(args[2], "BEST_KNOWN");
+    }
+    if (args.length > 3) {
+      solutionFile = Path.of(args[3]);
+    }
+  }
+
+  private static double number(String text, String name) {
+    try {
+      return Double.parseDouble(text);
+    } catch (NumberFormatException e) {
+      throw new IllegalArgumentException(
+          "found '" + text + "', expected a number for " + name + "; " + USAGE);
+    }
+  }
+
+  /** Runs an example; a failure becomes one line on the standard error and the exit status 1. */
+  static void run(String[] args, Body body) {
+    try {
+      body.run(new ExampleProgram(args));
+    } catch (OXException | IllegalArgumentException e) {
+      System.err.println(e.getMessage());
+      System.exit(1);
+    } catch (IOException e) {
+      System.err.println("Cannot read or write file " + e.getMessage());
+      System.exit(1);
+    }
+  }
+
+  /** Searches for the time given on the command line, with the engine's own display. */
+  void solve(Ombrix solver) {
+    solver.createPhase().setTimeLimit(seconds);
+    solver.solve();
+  }
+
+  /** Prints the answer beside the best known value, and writes the solution if a file was given. */
+  void report(Ombrix solver, double objective, List<Integer> solution) throws IOException {
+    OXSolutionStatus status = solver.getSolution().getStatus();
+    if (status != OXSolutionStatus.Feasible && status != OXSolutionStatus.Optimal) {
+      System.out.println("no feasible solution found");
+      return;
+    }
+    String best = bestKnown == null ? "" : ", best known " + text(bestKnown);
+    System.out.println("objective " + text(objective) + best);
+    if (solutionFile != null) {
+      List<String> lines = new ArrayList<>();
+      solution.forEach(number -> lines.add(number.toString()));
+      Files.write(solutionFile, lines);
+    }
+  }
+
+  private static String text(double value) {
+    BigDecimal rounded = new BigDecimal(value, new MathContext(15));
+    return rounded.signum() == 0 ? "0" : rounded.stripTrailingZeros().toPlainString();
+  }
+
+  static void requireEqual(OXModel model, OXExpression expression, long value) {
+    model.addConstraint(model.createExpression(OXOperator.Eq, expression, value));
+  }
+
+  static void requireAtMost(OXModel model, OXExpression expression, long value) {
+    model.addConstraint(model.createExpression(OXOperator.Leq, expression, value));
+  }
+
+  static void requireAtLeast(OXModel model, OXExpression expression, long value) {
+    model.addConstraint(model.createExpression(OXOperator.Geq, expression, value));
+  }
+
+  /** A table of new decisions with exactly one chosen in every row. */
+  static OXExpression[][] createTable(OXModel model, int nbRows, int nbColumns) {
+    OXExpression[][] table = new OXExpression[nbRows][nbColumns];
+    for (OXExpression[] row : table) {
+      OXExpression chosen = model.createExpression(OXOperator.Sum);
+      for (int j = 0; j < nbColumns; j++) {
+        row[j] = model.createExpression(OXOperator.Bool);
+        chosen.addOperand(row[j]);
+      }
+      requireEqual(model, chosen, 1);
+    }
+    return table;
+  }
+
+  /** The column chosen in every row of the solution. */
+  static List<Integer> chosenColumns(OXExpression[][] table) {
+    List<Integer> columns = new ArrayList<>();
+    for (OXExpression[] row : table) {
+      int column = 0;
+      while (column < row.length && row[column].getIntValue() == 0) {
+        ++column;
+      }
+      columns.add(column);
+    }
+    return columns;
+  }
+
+  /** The numbers, counted from first, of the decisions that are 1. */
+  static List<Integer> chosen(List<OXExpression> decisions, int first) {
+    List<Integer> numbers = new ArrayList<>();
+    for (int i = 0; i < decisions.size(); i++) {
+      if (decisions.get(i).getIntValue() != 0) {
+        numbers.add(first + i);
+      }
+    }
+    return numbers;
+  }
+}
