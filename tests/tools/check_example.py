@@ -1,0 +1,144 @@
+#!/usr/bin/env python3
+"""Checks the solution of an example program, without any code of the engine.
+
+usage: check_example.py PROBLEM INSTANCE SOLUTION
+
+PROBLEM is knapsack, setcovering, quadraticassignment, graphcolouring or facilitylocation; INSTANCE is the
+file that the program read, SOLUTION the file of numbers that it wrote. Prints "objective N" and exits with
+0 when the solution is feasible; otherwise says what is wrong and exits with 1.
+"""
+import gzip
+import sys
+from decimal import Decimal
+
+
+class Wrong(Exception):
+    """The solution cannot stand; the text says why."""
+
+
+def words(name):
+    with open(name, "rb") as stream:
+        raw = stream.read()
+    if raw[:2] == b"\x1f\x8b":
+        raw = gzip.decompress(raw)
+    return raw.decode("latin-1")
+
+
+def distinct(solution, low, high, what):
+    """The numbers as a set, each within its limits and named once."""
+    if any(x < low or x > high for x in solution):
+        raise Wrong("a %s lies outside %d to %d" % (what, low, high))
+    if len(set(solution)) != len(solution):
+        raise Wrong("a %s is named twice" % what)
+    return set(solution)
+
+
+def knapsack(text, solution):
+    numbers = [Decimal(word) for word in text.split()]
+    n, m = int(numbers[1]), int(numbers[2])
+    profits, rest = numbers[4:4 + n], numbers[4 + n:]
+    chosen = distinct(solution, 0, n - 1, "item")
+    for c in range(m):
+        load = sum(rest[c * n + i] for i in chosen)
+        if load > rest[m * n + c]:
+            raise Wrong("constraint %d holds %s of %s" % (c, load, rest[m * n + c]))
+    return sum((profits[i] for i in chosen), Decimal(0))
+
+
+def covering_rows(numbers):
+    """Costs and, for each row, its columns, from the file with the columns of each row."""
+    m, n = numbers[0], numbers[1]
+    costs, position, rows = numbers[2:2 + n], 2 + n, []
+    for _ in range(m):
+        count = numbers[position]
+        rows.append(set(numbers[position + 1:position + 1 + count]))
+        position += 1 + count
+    if position != len(numbers):
+        raise IndexError
+    return costs, rows
+
+
+def covering_columns(numbers):
+    m, n = numbers[0], numbers[1]
+    costs, position, rows = [], 2, [set() for _ in range(m)]
+    for column in range(1, n + 1):
+        costs.append(numbers[position])
+        count = numbers[position + 1]
+        for row in numbers[position + 2:position + 2 + count]:
+            rows[row - 1].add(column)
+        position += 2 + count
+    return costs, rows
+
+
+def setcovering(text, solution):
+    numbers = [int(word) for word in text.split()]
+    if len(numbers) == 2 + 3 * numbers[1] and max(numbers[2:]) <= numbers[0]:
+        costs = [1] * numbers[0]
+        rows = [set(numbers[2 + 3 * i:5 + 3 * i]) for i in range(numbers[1])]
+    else:
+        try:
+            costs, rows = covering_rows(numbers)
+        except IndexError:
+            costs, rows = covering_columns(numbers)
+    chosen = distinct(solution, 1, len(costs), "column")
+    for i, row in enumerate(rows):
+        if not row & chosen:
+            raise Wrong("row %d is not covered" % (i + 1))
+    return sum(costs[column - 1] for column in chosen)
+
+
+def quadraticassignment(text, solution):
+    numbers = [int(word) for word in text.split()]
+    n = numbers[0]
+    if len(solution) != n:
+        raise Wrong("%d places for %d facilities" % (len(solution), n))
+    distinct(solution, 0, n - 1, "location")
+    return sum(numbers[1 + i * n + j] * numbers[1 + n * n + solution[i] * n + solution[j]]
+               for i in range(n) for j in range(n))
+
+
+def graphcolouring(text, solution):
+    for line in text.splitlines():
+        fields = line.split()
+        if fields[:1] == ["p"] and len(solution) != int(fields[2]):
+            raise Wrong("%d colours for %s vertices" % (len(solution), fields[2]))
+        if fields[:1] == ["e"] and fields[1] != fields[2]:
+            if solution[int(fields[1]) - 1] == solution[int(fields[2]) - 1]:
+                raise Wrong("vertices %s and %s have one colour" % (fields[1], fields[2]))
+    return len(set(solution))
+
+
+def facilitylocation(text, solution):
+    fields = text.split()
+    m, n = int(fields[0]), int(fields[1])
+    opening = [Decimal(fields[3 + 2 * i]) for i in range(m)]
+    chosen = distinct(solution, 0, m - 1, "facility")
+    if not chosen:
+        raise Wrong("no facility is open")
+    total, position = sum(opening[i] for i in chosen), 2 + 2 * m
+    for _ in range(n):
+        total += min(Decimal(fields[position + 1 + i]) for i in chosen)
+        position += 1 + m
+    return total
+
+
+PROBLEMS = {f.__name__: f for f in
+            (knapsack, setcovering, quadraticassignment, graphcolouring, facilitylocation)}
+
+
+def main(arguments):
+    if len(arguments) != 3 or arguments[0] not in PROBLEMS:
+        print(__doc__, file=sys.stderr)
+        return 2
+    try:
+        solution = [int(word) for word in words(arguments[2]).split()]
+        objective = PROBLEMS[arguments[0]](words(arguments[1]), solution)
+    except (Wrong, OSError, ValueError, IndexError) as failure:
+        print("wrong: %s" % failure)
+        return 1
+    print("objective %s" % objective)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

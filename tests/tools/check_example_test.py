@@ -1,0 +1,75 @@
+#!/usr/bin/env python3
+"""The checker of the examples accepts what is right and refuses what is not."""
+import os
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import check_example as checker  # noqa: E402
+
+
+class Knapsack(unittest.TestCase):
+    TEXT = "1\n3 1 0\n5 6 7\n2 3 4\n6\n"
+
+    def test_profit_of_a_choice_that_fits(self):
+        self.assertEqual(12, checker.knapsack(self.TEXT, [0, 2]))
+
+    def test_overload_is_wrong(self):
+        with self.assertRaisesRegex(checker.Wrong, "constraint 0 holds 7 of 6"):
+            checker.knapsack(self.TEXT, [1, 2])
+
+    def test_item_named_twice_is_wrong(self):
+        with self.assertRaisesRegex(checker.Wrong, "named twice"):
+            checker.knapsack(self.TEXT, [0, 0])
+
+
+class SetCovering(unittest.TestCase):
+    ROWS = "2 3  4 5 6  2 1 2  1 3"
+    COLUMNS = "2 3  4 1 1  5 1 1  6 1 2"
+
+    def test_both_layouts_say_the_same(self):
+        self.assertEqual(10, checker.setcovering(self.ROWS, [1, 3]))
+        self.assertEqual(10, checker.setcovering(self.COLUMNS, [1, 3]))
+
+    def test_uncovered_row_is_wrong(self):
+        with self.assertRaisesRegex(checker.Wrong, "row 2 is not covered"):
+            checker.setcovering(self.ROWS, [1, 2])
+
+    def test_triples_cost_one_a_point(self):
+        self.assertEqual(1, checker.setcovering("4 2  1 2 3  1 3 4", [3]))
+
+
+class Others(unittest.TestCase):
+    def test_assignment_cost(self):
+        self.assertEqual(2 * 3 * 5, checker.quadraticassignment("2 0 3 3 0 0 5 5 0", [1, 0]))
+        with self.assertRaisesRegex(checker.Wrong, "named twice"):
+            checker.quadraticassignment("2 0 3 3 0 0 5 5 0", [1, 1])
+
+    def test_colouring(self):
+        text = "c a path\np edge 3 2\ne 1 2\ne 2 3\n"
+        self.assertEqual(2, checker.graphcolouring(text, [0, 1, 0]))
+        with self.assertRaisesRegex(checker.Wrong, "vertices 2 and 3 have one colour"):
+            checker.graphcolouring(text, [0, 1, 1])
+
+    def test_location_cost(self):
+        text = "2 2  capacity 10.5 capacity 20  0 1 2.25  0 3 4"
+        self.assertEqual(checker.Decimal("14.5"), checker.facilitylocation(text, [0]))
+        with self.assertRaisesRegex(checker.Wrong, "no facility is open"):
+            checker.facilitylocation(text, [])
+
+    def test_exit_status(self):
+        with tempfile.TemporaryDirectory() as folder:
+            instance, solution = (os.path.join(folder, name) for name in ("instance", "solution"))
+            with open(instance, "w") as stream:
+                stream.write(Knapsack.TEXT)
+            with open(solution, "w") as stream:
+                stream.write("1\n2\n")
+            self.assertEqual(1, checker.main(["knapsack", instance, solution]))
+            with open(solution, "w") as stream:
+                stream.write("2\n")
+            self.assertEqual(0, checker.main(["knapsack", instance, solution]))
+
+
+if __name__ == "__main__":
+    unittest.main()
