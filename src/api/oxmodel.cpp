@@ -281,6 +281,7 @@ void OXModel::close() {
 void OXModel::transform() {
   // No computation of the transformation may fail for what an earlier one left behind.
   errno = 0;
+  dagBuilder = std::make_unique<DagBuilder>(this);
 }
 
 void OXModel::open() {

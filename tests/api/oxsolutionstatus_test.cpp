@@ -1,0 +1,82 @@
+#include "api/oxsolution.h"
+
+#include <gtest/gtest.h>
+
+#include "api/ombrix.h"
+
+namespace ombrix {
+namespace {
+
+class OXSolutionStatusTest : public ::testing::Test {
+protected:
+  OXExpression* boolean() { return model.createExpression(OXOperator::Bool); }
+  OXExpression* constant(long long value) { return model.createConstant(value); }
+  OXExpression* make(OXOperator op, OXExpression* a) { return model.createExpression(op, a); }
+  OXExpression* make(OXOperator op, OXExpression* a, OXExpression* b) {
+    return model.createExpression(op, a, b);
+  }
+  void minimize(OXExpression* expr) { model.addObjective(expr, OXObjectiveDirection::Minimize); }
+  void maximize(OXExpression* expr) { model.addObjective(expr, OXObjectiveDirection::Maximize); }
+  OXSolution& close() {
+    if (model.getNbObjectives() == 0) minimize(constant(0));
+    model.close();
+    return *solver.getSolution();
+  }
+
+  Ombrix solver;
+  OXModel& model = *solver.getModel();
+};
+
+TEST_F(OXSolutionStatusTest, TheStatusBeforeAnySearchIsThatOfAllZero) {
+  OXExpression* x = boolean();
+  OXExpression* y = boolean();
+  model.addConstraint(make(OXOperator::Or, x, y));
+  minimize(make(OXOperator::Sum, x, y));
+  OXSolution& solution = close();
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Infeasible);
+  solution.setIntValue(x, 1);
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Feasible);
+}
+
+TEST_F(OXSolutionStatusTest, AMinimizedObjectiveIsMeasuredAgainstTheBoundOfTheUser) {
+  OXExpression* x = boolean();
+  minimize(make(OXOperator::Sum, x, constant(2)));
+  OXSolution& solution = close();
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Feasible);
+  solver.getParam()->setIntObjectiveBound(0, 2);
+  solution.setIntValue(x, 0);
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Optimal);
+  solution.setIntValue(x, 1);
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Feasible);
+}
+
+TEST_F(OXSolutionStatusTest, AMaximizedObjectiveIsMeasuredAgainstItsComputedBound) {
+  OXExpression* x = boolean();
+  maximize(make(OXOperator::Sum, x, constant(2)));
+  OXSolution& solution = close();
+  solver.getParam()->setIntObjectiveBound(0, 2);
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Feasible);
+  solution.setIntValue(x, 1);
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Optimal);
+}
+
+TEST_F(OXSolutionStatusTest, EveryObjectiveMustReachItsBound) {
+  OXExpression* x = boolean();
+  OXExpression* y = boolean();
+  maximize(make(OXOperator::Sum, x, constant(2)));
+  maximize(make(OXOperator::Sum, y, constant(2)));
+  OXSolution& solution = close();
+  solution.setIntValue(x, 1);
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Feasible);
+  solution.setIntValue(y, 1);
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Optimal);
+}
+
+TEST_F(OXSolutionStatusTest, AConstantObjectiveHasReachedItsBound) {
+  model.addConstraint(constant(1));
+  minimize(constant(3));
+  EXPECT_EQ(close().getStatus(), OXSolutionStatus::Optimal);
+}
+
+}  // namespace
+}  // namespace ombrix
