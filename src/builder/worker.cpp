@@ -64,6 +64,8 @@ Worker::Worker(Ombrix& owner) : solver(&owner) {
   // The structure over the static constraint nodes, for the moves that follow them, belongs here.
   basicMoveStructure =
       std::make_unique<BasicMoveStructure>(*dag, builder.constraintAnalysis(), rng);
+  heuristic->setRestartingRatio(positiveParam(owner, "restartingLevel", 3) * 10);
+  heuristic->setMoveExploration(isEnabled(owner, "moveExplorationEnabled"));
   readParameters();
   fillMovePool(heuristic->movePool, *basicMoveStructure, builder.doubleComparisons(),
                readPoolSettings(owner));

@@ -7,7 +7,9 @@
 #include "solver/move/annealingstrategy.h"
 #include "solver/move/currentobjectivestrategy.h"
 #include "solver/move/feasibilitystrategy.h"
+#include "solver/move/movefilterstrategy.h"
 #include "solver/move/previousobjectivesstrategy.h"
+#include "solver/move/restartstrategy.h"
 
 namespace ombrix {
 
@@ -20,12 +22,18 @@ public:
 
   /// The number of improvements that the annealing remembers; 1 gives pure descent.
   void setAnnealingWindow(std::uint32_t size) { annealingStrategy.setWindowSize(size); }
+  /// The percentage of a run below which its last improvement calls for a restart; 0 for none.
+  void setRestartingRatio(std::uint32_t ratio) { restartStrategy.restartingRatio = ratio; }
+  /// Whether moves that lost all their weight are tried again.
+  void setMoveExploration(bool isEnabled) { moveFilterStrategy.explorationEnabled = isEnabled; }
 
 private:
   FeasibilityStrategy feasibilityStrategy;
   PreviousObjectivesStrategy previousObjectivesStrategy;
   CurrentObjectiveStrategy currentObjectiveStrategy;
+  RestartStrategy restartStrategy;
   AnnealingStrategy annealingStrategy;
+  MoveFilterStrategy moveFilterStrategy;
 };
 
 }  // namespace ombrix

@@ -11,6 +11,8 @@ namespace ombrix {
 /// draw and memory O(k), whatever n is.
 class DistinctSampler {
 public:
+  /// Takes the memory for k draws, so that sample allocates nothing.
+  void reserve(std::uint32_t k);
   /// Puts the draws into out; k is at most n.
   void sample(std::uint32_t& rng, std::uint32_t n, std::uint32_t k,
               std::vector<std::uint32_t>& out);

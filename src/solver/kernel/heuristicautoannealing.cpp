@@ -7,10 +7,14 @@ HeuristicAutoAnnealing::HeuristicAutoAnnealing(Dag& workerDag, std::uint32_t* st
       feasibilityStrategy(*this),
       previousObjectivesStrategy(*this),
       currentObjectiveStrategy(*this),
-      annealingStrategy(*this) {
+      restartStrategy(*this),
+      annealingStrategy(*this),
+      moveFilterStrategy(*this) {
   // The chain, in the order of consultation.
+  addStrategy(&moveFilterStrategy);
   addStrategy(&feasibilityStrategy);
   addStrategy(&previousObjectivesStrategy);
+  addStrategy(&restartStrategy);
   addStrategy(&currentObjectiveStrategy);
   addStrategy(&annealingStrategy);
 }

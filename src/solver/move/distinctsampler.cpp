@@ -4,6 +4,11 @@
 
 namespace ombrix {
 
+void DistinctSampler::reserve(std::uint32_t k) {
+  places.reserve(k);
+  entries.reserve(k);
+}
+
 void DistinctSampler::sample(std::uint32_t& rng, std::uint32_t n, std::uint32_t k,
                              std::vector<std::uint32_t>& out) {
   out.clear();

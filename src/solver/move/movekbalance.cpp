@@ -1,11 +1,16 @@
 #include "solver/move/movekbalance.h"
 
+#include <algorithm>
+
 namespace ombrix {
 
 MoveKBalance::MoveKBalance(Dag& workerDag, std::uint32_t& state, std::uint32_t nbDrawnNodes,
                            std::uint32_t moveWeight)
-    : Move(formatMoveName(nbDrawnNodes, "Balance"), workerDag, state, moveWeight),
-      k(nbDrawnNodes) {}
+    : Move(formatMoveName(nbDrawnNodes, "Balance"), workerDag, state, moveWeight), k(nbDrawnNodes) {
+  const std::uint32_t nbDrawn = std::min(k, dag->fixedFields->nbInnerNodes);
+  sample.reserve(nbDrawn);
+  sampler.reserve(nbDrawn);
+}
 
 bool MoveKBalance::apply() {
   const DagFixedFields& fields = *dag->fixedFields;
