@@ -4,8 +4,9 @@
 #include <sstream>
 
 #include "api/checks.h"
-#include "api/searchobjects.h"
+#include "builder/parallelizer.h"
 #include "builder/solverrecord.h"
+#include "builder/worker.h"
 #include "common/failure.h"
 #include "common/messages.h"
 

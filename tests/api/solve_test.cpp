@@ -1,0 +1,653 @@
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "api/ombrix.h"
+#include "builder/parallelizer.h"
+#include "builder/solverrecord.h"
+#include "common/failure.h"
+#include "support/failures.h"
+#include "support/solvermodels.h"
+
+namespace ombrix {
+namespace {
+
+constexpr const char* kStoppedOnly =
+    "This method is only allowed in state Stopped (the model must be closed and the solver must be "
+    "stopped).";
+constexpr const char* kStarted =
+    "This method cannot be called if the solver has not been started at least once.";
+
+/// What a call writes to the standard output.
+std::string capture(const std::function<void()>& call) {
+  std::ostringstream text;
+  std::streambuf* const previous = std::cout.rdbuf(text.rdbuf());
+  try {
+    call();
+  } catch (...) {
+    std::cout.rdbuf(previous);
+    throw;
+  }
+  std::cout.rdbuf(previous);
+  return text.str();
+}
+
+class SolveTest : public testing::Test {
+protected:
+  /// Closes the model, which may not write anything to the output.
+  void close() {
+    solver.getModel()->close();
+    solver.getParam()->setVerbosity(0);
+  }
+
+  void addPhase(long long iterationLimit) {
+    solver.createPhase()->setIterationLimit(iterationLimit);
+  }
+
+  void solveFor(long long iterationLimit) {
+    addPhase(iterationLimit);
+    solver.solve();
+  }
+
+  OXSolutionStatus status() const { return solver.getSolution()->getStatus(); }
+
+  Ombrix solver;
+};
+
+// The course of solve.
+
+TEST_F(SolveTest, IsRefusedWhileTheModelIsOpen) {
+  test::expectFailure(kMisuse, "Ombrix::solve", kStoppedOnly, [&] { solver.solve(); });
+  EXPECT_EQ(solver.getState(), OXState::Modeling);
+}
+
+TEST_F(SolveTest, ImprovesTheSolutionAndEndsStopped) {
+  const auto items = test::buildKnapsack(*solver.getModel(), 100);
+  close();
+  solveFor(50000);
+  EXPECT_EQ(solver.getState(), OXState::Stopped);
+  EXPECT_EQ(status(), OXSolutionStatus::Feasible);
+  EXPECT_GT(solver.getModel()->getObjective(0)->getIntValue(), 10000);
+  for (int i = 0; i < solver.getModel()->getNbConstraints(); ++i) {
+    EXPECT_EQ(solver.getModel()->getConstraint(i)->getIntValue(), 1);
+  }
+}
+
+TEST_F(SolveTest, FindsAFeasibleSolutionFromAnInfeasibleStart) {
+  const auto sets = test::buildCovering(*solver.getModel(), 200);
+  close();
+  solveFor(20000);
+  EXPECT_EQ(status(), OXSolutionStatus::Feasible);
+  EXPECT_LT(solver.getModel()->getObjective(0)->getIntValue(), 200 * 500);
+}
+
+TEST_F(SolveTest, FindsAFeasibleSolutionWithoutTheGreedyPassToo) {
+  solver.getParam()->setAdvancedParam("greedyEnabled", 0);
+  test::buildCovering(*solver.getModel(), 200);
+  close();
+  solveFor(20000);
+  EXPECT_EQ(status(), OXSolutionStatus::Feasible);
+}
+
+TEST_F(SolveTest, TellsAnInfeasibleResult) {
+  test::buildOddCycle(*solver.getModel());
+  close();
+  solveFor(2000);
+  EXPECT_EQ(status(), OXSolutionStatus::Infeasible);
+  EXPECT_NE(solver.getInfo().find("]: infeas = (1, 1), mov = 4000, "), std::string::npos)
+      << solver.getInfo();
+}
+
+TEST_F(SolveTest, StopsAtTheBoundOfTheObjectiveItself) {
+  OXModel& model = *solver.getModel();
+  model.addObjective(test::createSum(model, test::createDecisions(model, 30)),
+                     OXObjectiveDirection::Maximize);
+  close();
+  solver.solve();
+  EXPECT_EQ(status(), OXSolutionStatus::Optimal);
+  EXPECT_EQ(model.getObjective(0)->getIntValue(), 30);
+}
+
+TEST_F(SolveTest, StopsAtTheBoundThatTheUserGave) {
+  test::buildKnapsack(*solver.getModel(), 100);
+  close();
+  solver.getParam()->setObjectiveBound(0, 5000);
+  solver.solve();
+  EXPECT_GE(solver.getModel()->getObjective(0)->getIntValue(), 5000);
+  EXPECT_EQ(solver.getState(), OXState::Stopped);
+}
+
+TEST_F(SolveTest, ReadsTheBoundsAnewEachTime) {
+  test::buildKnapsack(*solver.getModel(), 100);
+  close();
+  solver.getParam()->setObjectiveBound(0, 5000);
+  solver.solve();
+  solver.getParam()->setObjectiveBound(0, 9000);
+  solver.solve();
+  EXPECT_GE(solver.getModel()->getObjective(0)->getIntValue(), 9000);
+}
+
+TEST_F(SolveTest, CreatesADefaultPhaseThatStays) {
+  OXModel& model = *solver.getModel();
+  model.addObjective(test::createDecisions(model, 1)[0], OXObjectiveDirection::Minimize);
+  close();
+  solver.solve();
+  ASSERT_EQ(solver.getNbPhases(), 1);
+  EXPECT_EQ(solver.getPhase(0)->toString(),
+            "no time limit, no iteration limit, optimized objective = 0");
+  solver.solve();
+  EXPECT_EQ(solver.getNbPhases(), 1);
+}
+
+TEST_F(SolveTest, StartsFromTheDecisionsOfThePublicSolution) {
+  const auto items = test::buildKnapsack(*solver.getModel(), 50);
+  close();
+  solver.getSolution()->setIntValue(items[7], 1);
+  const long long start = solver.getModel()->getObjective(0)->getIntValue();
+  solver.getParam()->setObjectiveBound(0, start);
+  solver.solve();
+  EXPECT_EQ(solver.getStatistics()->getNbMoves(), 0) << "the bound is reached at the start";
+  EXPECT_EQ(items[7]->getIntValue(), 1);
+}
+
+TEST_F(SolveTest, ASecondCallStartsFromTheBestOfTheFirst) {
+  test::buildKnapsack(*solver.getModel(), 100);
+  close();
+  solveFor(20000);
+  const long long first = solver.getModel()->getObjective(0)->getIntValue();
+  solver.solve();
+  EXPECT_GE(solver.getModel()->getObjective(0)->getIntValue(), first);
+  EXPECT_EQ(solver.getStatistics()->getNbIterations(), 20000) << "counters start at 0 again";
+}
+
+TEST_F(SolveTest, BringsTheWorkersToTheNumberOfThreads) {
+  test::buildKnapsack(*solver.getModel(), 30);
+  close();
+  addPhase(1000);
+  for (int nbThreads : {1, 4, 2, 3}) {
+    solver.getParam()->setNbThreads(nbThreads);
+    solver.solve();
+    EXPECT_EQ(SolverRecord::workers(solver).size(), static_cast<std::size_t>(nbThreads));
+    EXPECT_EQ(solver.getStatistics()->getNbMoves(), nbThreads * 1000);
+    EXPECT_EQ(solver.getStatistics()->getNbIterations(), 1000);
+  }
+}
+
+TEST_F(SolveTest, RunsPhasesOnDifferentObjectivesInOrder) {
+  OXModel& model = *solver.getModel();
+  const auto items = test::buildKnapsack(model, 60);
+  model.addObjective(test::createSum(model, items), OXObjectiveDirection::Minimize);
+  close();
+  addPhase(5000);
+  addPhase(3000);
+  solver.getPhase(0)->setOptimizedObjective(0);
+  solver.solve();
+  EXPECT_EQ(solver.getPhase(0)->getStatistics()->getNbIterations(), 5000);
+  EXPECT_EQ(solver.getPhase(1)->getStatistics()->getNbIterations(), 3000);
+  EXPECT_EQ(solver.getStatistics()->getNbIterations(), 8000);
+  EXPECT_EQ(solver.getStatistics()->getNbMoves(), 16000);
+}
+
+TEST_F(SolveTest, IterationsThatAPhaseDidNotUseGoToTheNext) {
+  OXModel& model = *solver.getModel();
+  const auto x = test::createDecisions(model, 20);
+  model.addObjective(test::createSum(model, x), OXObjectiveDirection::Maximize);
+  test::buildKnapsack(model, 40);
+  close();
+  addPhase(10000);
+  addPhase(500);
+  solver.getPhase(0)->setOptimizedObjective(0);
+  solver.solve();
+  const long long used = solver.getPhase(0)->getStatistics()->getNbIterations();
+  EXPECT_LT(used, 10000) << "the first objective reaches its bound early";
+  EXPECT_EQ(solver.getPhase(1)->getStatistics()->getNbIterations(), 10500 - used);
+}
+
+TEST_F(SolveTest, SolvesAgainAfterTheModelWasOpenedAndClosed) {
+  OXModel& model = *solver.getModel();
+  test::buildKnapsack(model, 50);
+  close();
+  solveFor(5000);
+  model.open();
+  test::buildKnapsack(model, 20);
+  model.close();
+  solver.solve();
+  EXPECT_EQ(solver.getState(), OXState::Stopped);
+  EXPECT_EQ(status(), OXSolutionStatus::Feasible);
+}
+
+TEST_F(SolveTest, CountsMovesByTheirFate) {
+  test::buildKnapsack(*solver.getModel(), 100);
+  close();
+  solveFor(20000);
+  const OXStatistics& statistics = *solver.getStatistics();
+  EXPECT_EQ(statistics.getNbMoves(), 40000);
+  EXPECT_GT(statistics.getNbAcceptedMoves(), 0);
+  EXPECT_GT(statistics.getNbImprovingMoves(), 0);
+  EXPECT_LE(statistics.getNbImprovingMoves(), statistics.getNbAcceptedMoves());
+  EXPECT_GT(statistics.getNbInfeasibleMoves(), 0);
+  EXPECT_LE(statistics.getNbInfeasibleMoves(), statistics.getNbRejectedMoves());
+}
+
+TEST_F(SolveTest, TheObserverSeesEachSynchronisationWithTheSolutionRefreshed) {
+  struct Seen {
+    Ombrix* solver;
+    std::vector<long long> objectives;
+    std::vector<OXState> states;
+  } seen{&solver, {}, {}};
+  solver.getParam()->setAdvancedParam("syncIterations", 1000);
+  test::buildKnapsack(*solver.getModel(), 100);
+  close();
+  SolverRecord::setObserver(
+      solver,
+      [](void* data) {
+        Seen& record = *static_cast<Seen*>(data);
+        record.states.push_back(record.solver->getState());
+        record.objectives.push_back(record.solver->getModel()->getObjective(0)->getIntValue());
+      },
+      &seen);
+  solveFor(5000);
+  EXPECT_GE(seen.objectives.size(), 7u) << "five synchronisations, the last one and the end";
+  EXPECT_TRUE(std::is_sorted(seen.objectives.begin(), seen.objectives.end()));
+  EXPECT_GT(seen.objectives.front(), 0);
+  for (OXState state : seen.states) EXPECT_EQ(state, OXState::Paused);
+}
+
+// The display.
+
+/// A model whose search ends at its first test, so that its display holds no time and no count.
+class DisplayTest : public SolveTest {
+protected:
+  void closeTrivial() {
+    OXModel& model = *solver.getModel();
+    x = test::createDecisions(model, 1)[0];
+    model.addObjective(x, OXObjectiveDirection::Minimize);
+    model.close();
+  }
+
+  OXExpression* x = nullptr;
+};
+
+TEST_F(DisplayTest, IsThisToTheLetter) {
+  closeTrivial();
+  solver.createPhase();
+  const std::string line = "[0 sec, 0 itr]: obj = (0), mov = 0, inf < 0.1%, acc < 0.1%, imp = 0\n";
+  EXPECT_EQ(capture([&] { solver.solve(); }), "\n" + solver.toString() + "\n" + "\nPhase 0:\n" +
+                                                  line + "\n" + line +
+                                                  "0 iterations, 0 moves performed in 0 seconds\n"
+                                                  "Optimal solution: obj = (0)\n\n");
+}
+
+TEST_F(DisplayTest, ShowsEachPhase) {
+  closeTrivial();
+  solver.createPhase();
+  solver.createPhase();
+  const std::string text = capture([&] { solver.solve(); });
+  EXPECT_NE(text.find("\nPhase 0:\n["), std::string::npos);
+  EXPECT_NE(text.find("\nPhase 1:\n["), std::string::npos);
+}
+
+TEST_F(DisplayTest, ToStringListsThePhases) {
+  closeTrivial();
+  EXPECT_NE(solver.toString().find("\nPhases:\n  (no phases)\n"), std::string::npos);
+  solver.createPhase();
+  EXPECT_NE(
+      solver.toString().find(
+          "\nPhases:\n  Phase 0: no time limit, no iteration limit, optimized objective = 0\n"),
+      std::string::npos);
+}
+
+TEST_F(DisplayTest, WithVerbosity0WritesNothing) {
+  closeTrivial();
+  solver.getParam()->setVerbosity(0);
+  solver.getParam()->setAdvancedParam("traceEnabled", 1);
+  EXPECT_EQ(capture([&] { solver.solve(); }), "");
+}
+
+TEST_F(DisplayTest, WithTraceEnabledShowsTheKernelGraphBeforeTheSearch) {
+  closeTrivial();
+  const std::string plain = capture([&] { solver.solve(); });
+  solver.getParam()->setAdvancedParam("traceEnabled", 1);
+  const std::string traced = capture([&] { solver.solve(); });
+  const std::size_t start = traced.find("\nPhase 0:\n");
+  ASSERT_NE(start, std::string::npos);
+  const std::string head = "\n" + solver.toString() + "\n";
+  EXPECT_EQ(traced.substr(0, head.size()), head);
+  EXPECT_GT(start, head.size());
+  EXPECT_EQ(plain.find("\nPhase 0:\n"), plain.size() - (traced.size() - start));
+}
+
+TEST_F(DisplayTest, ATickShowsALineAndWithTraceTheTablesOfEachWorker) {
+  test::buildKnapsack(*solver.getModel(), 50);
+  solver.getModel()->close();
+  solver.getParam()->setAdvancedParam("traceEnabled", 1);
+  solver.createPhase()->setTimeLimit(2);
+  const std::string text = capture([&] { solver.solve(); });
+  std::size_t nbTables = 0;
+  for (std::size_t at = 0; (at = text.find("Heur. stats", at)) != std::string::npos; ++at) {
+    ++nbTables;
+  }
+  EXPECT_GE(nbTables, 2u);
+  EXPECT_EQ(nbTables % 2, 0u) << "one for each of the two workers";
+  EXPECT_NE(text.find("\n[1 sec, "), std::string::npos);
+}
+
+TEST_F(DisplayTest, EndsWithTheCountsAndTheStatus) {
+  test::buildKnapsack(*solver.getModel(), 50);
+  solver.getModel()->close();
+  addPhase(3000);
+  const std::string text = capture([&] { solver.solve(); });
+  const long long objective = solver.getModel()->getObjective(0)->getIntValue();
+  const std::string seconds = std::to_string(solver.getStatistics()->getRunningTime());
+  const std::string end = "3000 iterations, 6000 moves performed in " + seconds +
+                          " seconds\nFeasible solution: obj = (" + std::to_string(objective) +
+                          ")\n\n";
+  ASSERT_GT(text.size(), end.size());
+  EXPECT_EQ(text.substr(text.size() - end.size()), end);
+}
+
+TEST_F(DisplayTest, ShowsViolatedEqualitiesBeforeAllViolatedConstraints) {
+  OXModel& model = *solver.getModel();
+  test::buildOddCycle(model);
+  model.close();
+  addPhase(500);
+  const std::string text = capture([&] { solver.solve(); });
+  EXPECT_NE(text.find("\nInfeasible solution: infeas = (1, 1)\n\n"), std::string::npos) << text;
+}
+
+TEST_F(DisplayTest, ShowsEveryObjectiveInTheFormOfItsType) {
+  OXModel& model = *solver.getModel();
+  const auto x2 = test::createDecisions(model, 2);
+  model.addObjective(x2[0], OXObjectiveDirection::Minimize);
+  model.addObjective(model.createConstant(2.5), OXObjectiveDirection::Minimize);
+  model.addObjective(model.createConstant(7), OXObjectiveDirection::Maximize);
+  model.close();
+  const std::string text = capture([&] { solver.solve(); });
+  EXPECT_NE(text.find("Optimal solution: obj = (0, 2.5, 7)\n\n"), std::string::npos) << text;
+}
+
+// getInfo and stop.
+
+TEST_F(SolveTest, GetInfoBeforeTheFirstSolveTellsThatTheSolverWasNotStarted) {
+  test::expectFailure(kMisuse, "Ombrix::getInfo", kStarted, [&] { solver.getInfo(); });
+  test::buildKnapsack(*solver.getModel(), 10);
+  close();
+  test::expectFailure(kMisuse, "Ombrix::getInfo", kStarted, [&] { solver.getInfo(); });
+}
+
+TEST_F(SolveTest, StopOutsideASearchDoesNothing) {
+  solver.stop();
+  test::buildKnapsack(*solver.getModel(), 10);
+  close();
+  solver.stop();
+  solveFor(1000);
+  EXPECT_EQ(solver.getStatistics()->getNbIterations(), 1000) << "an earlier stop is forgotten";
+  solver.stop();
+  solver.getModel()->open();
+  solver.stop();
+  EXPECT_EQ(solver.getState(), OXState::Modeling);
+}
+
+/// Calls stop until solve has returned: a stop before the phase runs is without effect.
+void stopUntilEnded(Ombrix& solver, const std::atomic<bool>& ended) {
+  while (!ended) {
+    solver.stop();
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+}
+
+TEST_F(SolveTest, StopFromAnotherThreadEndsThePhase) {
+  test::buildKnapsack(*solver.getModel(), 100);
+  close();
+  std::atomic<bool> ended = false;
+  std::thread stopper([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    stopUntilEnded(solver, ended);
+  });
+  solver.solve();
+  ended = true;
+  stopper.join();
+  EXPECT_EQ(solver.getState(), OXState::Stopped);
+  EXPECT_EQ(status(), OXSolutionStatus::Feasible);
+}
+
+TEST_F(SolveTest, WhileRunningAllButGetStateAndStopIsRefused) {
+  test::buildKnapsack(*solver.getModel(), 100);
+  close();
+  std::atomic<bool> ended = false;
+  std::atomic<int> nbRefused = 0;
+  std::thread reader([&] {
+    while (solver.getState() == OXState::Stopped) std::this_thread::yield();
+    try {
+      solver.solve();
+    } catch (const OXException& e) {
+      if (e.getExplanation() == kStoppedOnly) ++nbRefused;
+    }
+    stopUntilEnded(solver, ended);
+  });
+  solver.solve();
+  ended = true;
+  reader.join();
+  EXPECT_EQ(nbRefused, 1);
+}
+
+TEST_F(SolveTest, StopAtAThousandRandomMomentsIsSafe) {
+  test::buildKnapsack(*solver.getModel(), 30);
+  solver.getParam()->setAdvancedParam("syncIterations", 200);
+  close();
+  addPhase(2000);
+  addPhase(2000);
+  std::mt19937 random(20240229);
+  for (int round = 0; round < 1000; ++round) {
+    const auto delay = std::chrono::microseconds(random() % 3000);
+    std::thread stopper([&] {
+      std::this_thread::sleep_for(delay);
+      solver.stop();
+    });
+    solver.solve();
+    stopper.join();
+    ASSERT_EQ(solver.getState(), OXState::Stopped);
+    ASSERT_EQ(status(), OXSolutionStatus::Feasible);
+  }
+}
+
+TEST_F(SolveTest, StopNeverMeetsASearchThatIsReplacedOrDestroyed) {
+  test::buildKnapsack(*solver.getModel(), 20);
+  close();
+  addPhase(100);
+  std::atomic<bool> ended = false;
+  std::thread stopper([&] {
+    while (!ended) solver.stop();
+  });
+  for (int round = 0; round < 200; ++round) {
+    solver.solve();
+    solver.getModel()->open();
+    solver.getModel()->close();
+  }
+  ended = true;
+  stopper.join();
+  EXPECT_EQ(solver.getState(), OXState::Stopped);
+}
+
+// Reproducibility.
+
+struct Outcome {
+  std::vector<long long> values;
+  std::vector<long long> counters;
+  friend bool operator==(const Outcome&, const Outcome&) = default;
+};
+
+Outcome runOnce(int nbThreads, bool isCovering) {
+  Ombrix solver;
+  OXModel& model = *solver.getModel();
+  const auto decisions =
+      isCovering ? test::buildCovering(model, 150) : test::buildKnapsack(model, 150);
+  model.close();
+  solver.getParam()->setVerbosity(0);
+  solver.getParam()->setNbThreads(nbThreads);
+  solver.getParam()->setSeed(42);
+  solver.getParam()->setAdvancedParam("syncIterations", 3000);
+  solver.createPhase()->setIterationLimit(10000);
+  solver.createPhase()->setIterationLimit(20000);
+  solver.solve();
+  const OXStatistics& statistics = *solver.getStatistics();
+  return {test::readValues(decisions),
+          {statistics.getNbIterations(), statistics.getNbMoves(), statistics.getNbAcceptedMoves(),
+           statistics.getNbImprovingMoves(), statistics.getNbInfeasibleMoves(),
+           solver.getModel()->getObjective(0)->getIntValue()}};
+}
+
+class Reproducibility : public testing::TestWithParam<int> {};
+
+TEST_P(Reproducibility, TheSameSearchTwiceAndUnderLoad) {
+  for (bool isCovering : {false, true}) {
+    const Outcome first = runOnce(GetParam(), isCovering);
+    EXPECT_EQ(runOnce(GetParam(), isCovering), first);
+    std::atomic<bool> ended = false;
+    std::vector<std::thread> load;
+    for (int i = 0; i < 4; ++i) {
+      load.emplace_back([&] {
+        while (!ended) continue;
+      });
+    }
+    EXPECT_EQ(runOnce(GetParam(), isCovering), first);
+    ended = true;
+    for (std::thread& thread : load) thread.join();
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Threads, Reproducibility, testing::Values(1, 2, 4));
+
+// Failures.
+
+TEST_F(SolveTest, AFailureOfAWorkerReachesTheCallerAndLosesNothing) {
+  const auto x = test::buildDivisionByZero(*solver.getModel(), 6);
+  close();
+  try {
+    solver.solve();
+    FAIL() << "nothing was thrown";
+  } catch (const OXException& e) {
+    EXPECT_EQ(e.getCode(), kComputation);
+    EXPECT_EQ(e.getExplanation(), "Division by zero.");
+  }
+  EXPECT_EQ(solver.getState(), OXState::Paused);
+  EXPECT_EQ(status(), OXSolutionStatus::Feasible);
+  EXPECT_GT(solver.getModel()->getObjective(0)->getIntValue(), 1) << "what was found is kept";
+  EXPECT_NO_THROW(solver.getInfo());
+  EXPECT_NO_THROW(solver.toString());
+  EXPECT_NO_THROW(solver.getStatistics()->toString());
+  test::expectFailure(kMisuse, "Ombrix::solve", kStoppedOnly, [&] { solver.solve(); });
+  solver.stop();
+}
+
+TEST_F(SolveTest, AProcessGoesOnAfterAFailedSolve) {
+  {
+    Ombrix failing;
+    test::buildDivisionByZero(*failing.getModel(), 6);
+    failing.getModel()->close();
+    failing.getParam()->setVerbosity(0);
+    EXPECT_THROW(failing.solve(), OXException);
+  }
+  test::buildKnapsack(*solver.getModel(), 50);
+  close();
+  solveFor(1000);
+  EXPECT_EQ(status(), OXSolutionStatus::Feasible);
+}
+
+/// A model that has no value with all decisions at 0, where every kernel graph starts.
+void buildNoValueAtZero(OXModel& model) {
+  OXExpression* sum = test::createSum(model, test::createDecisions(model, 2));
+  model.addObjective(model.createExpression(OXOperator::Div, model.createConstant(1), sum),
+                     OXObjectiveDirection::Minimize);
+}
+
+TEST_F(SolveTest, AModelWithoutValueAt0FailsAndTheStateStaysStopped) {
+  buildNoValueAtZero(*solver.getModel());
+  close();
+  EXPECT_THROW(solver.solve(), OXException);
+  EXPECT_EQ(solver.getState(), OXState::Stopped);
+  EXPECT_EQ(solver.getNbPhases(), 1);
+  EXPECT_THROW(solver.solve(), OXException);
+  solver.stop();
+}
+
+TEST_F(SolveTest, AStartWithoutValueIsAFailureFromWhichTheNextSolveRecovers) {
+  const auto x = test::buildDivisionByZero(*solver.getModel(), 4);
+  close();
+  solver.getParam()->setObjectiveBound(0, 3);
+  addPhase(100);
+  for (OXExpression* decision : x) solver.getSolution()->setIntValue(decision, 1);
+  EXPECT_THROW(solver.solve(), OXException);
+  EXPECT_EQ(solver.getState(), OXState::Stopped);
+  for (OXExpression* decision : x) EXPECT_EQ(decision->getIntValue(), 1) << "nothing is lost";
+  solver.getSolution()->clear();
+  solver.solve();
+  EXPECT_GE(solver.getModel()->getObjective(0)->getIntValue(), 3);
+}
+
+TEST_F(SolveTest, AFailedStartWithFewerThreadsLeavesNothingBehind) {
+  const auto x = test::buildDivisionByZero(*solver.getModel(), 4);
+  close();
+  solver.getParam()->setObjectiveBound(0, 3);
+  solver.getParam()->setNbThreads(4);
+  solver.solve();
+  solver.getParam()->setNbThreads(1);
+  for (OXExpression* decision : x) solver.getSolution()->setIntValue(decision, 1);
+  EXPECT_THROW(solver.solve(), OXException);
+  test::expectFailure(kMisuse, "Ombrix::getInfo", kStarted, [&] { solver.getInfo(); });
+  solver.stop();
+}
+
+TEST_F(SolveTest, AnErrorNumberOfTheHostFailsNoComputation) {
+  OXModel& model = *solver.getModel();
+  const auto x = test::createDecisions(model, 20);
+  OXExpression* root = model.createExpression(OXOperator::Sqrt, test::createSum(model, x));
+  model.addObjective(root, OXObjectiveDirection::Maximize);
+  close();
+  errno = EDOM;
+  EXPECT_NO_THROW(solveFor(1000));
+}
+
+// Resources.
+
+long long residentBytes() {
+  std::ifstream file("/proc/self/statm");
+  long long total = 0;
+  long long resident = 0;
+  file >> total >> resident;
+  return resident * sysconf(_SC_PAGESIZE);
+}
+
+void createSolveAndDelete() {
+  Ombrix solver;
+  test::buildKnapsack(*solver.getModel(), 50);
+  solver.getModel()->close();
+  solver.getParam()->setVerbosity(0);
+  solver.createPhase()->setIterationLimit(200);
+  solver.solve();
+}
+
+TEST(SolveResources, AThousandSolversLeaveNoMemoryBehind) {
+  for (int i = 0; i < 300; ++i) createSolveAndDelete();
+  const long long before = residentBytes();
+  for (int i = 0; i < 1000; ++i) createSolveAndDelete();
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+  EXPECT_LT(residentBytes() - before, 1 << 20);
+#else
+  (void)before;
+#endif
+}
+
+}  // namespace
+}  // namespace ombrix

@@ -1,0 +1,112 @@
+#include "builder/worker.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "builder/solverrecord.h"
+#include "support/solvermodels.h"
+
+namespace ombrix {
+namespace {
+
+class WorkerTest : public testing::Test {
+protected:
+  void closeKnapsack() {
+    test::buildKnapsack(*solver.getModel(), 40);
+    solver.getModel()->close();
+  }
+
+  static std::vector<std::string> moveNames(const Worker& worker) {
+    std::vector<std::string> names;
+    for (const auto& move : worker.heuristic->movePool.moves) names.push_back(move->getName());
+    return names;
+  }
+
+  Ombrix solver;
+};
+
+TEST_F(WorkerTest, OwnsADagOverTheSharedFields) {
+  closeKnapsack();
+  Worker first(solver);
+  Worker second(solver);
+  EXPECT_NE(first.dag.get(), second.dag.get());
+  EXPECT_EQ(first.dag->fixedFields, second.dag->fixedFields);
+  EXPECT_EQ(first.heuristic->dag, first.dag.get());
+  EXPECT_EQ(first.heuristic->rng, &first.rng);
+  EXPECT_EQ(first.basicMoveStructure->rng, &first.rng);
+}
+
+TEST_F(WorkerTest, StartsFromSeedAndBoundsOfTheParameters) {
+  closeKnapsack();
+  solver.getParam()->setSeed(17);
+  solver.getParam()->setObjectiveBound(0, 1234);
+  Worker worker(solver);
+  EXPECT_EQ(worker.rng, 17u);
+  ASSERT_EQ(worker.heuristic->objectiveBounds.size(), 1u);
+  EXPECT_EQ(worker.heuristic->objectiveBounds[0].intValue, 1234);
+}
+
+TEST_F(WorkerTest, ReadsSeedAndBoundsAgainButKeepsItsPool) {
+  closeKnapsack();
+  Worker worker(solver);
+  const std::vector<std::string> names = moveNames(worker);
+  solver.getParam()->setSeed(18);
+  solver.getParam()->setObjectiveBound(0, 4321);
+  solver.getParam()->setAdvancedParam("neighborhoodSize", 1);
+  worker.readParameters();
+  EXPECT_EQ(worker.rng, 18u);
+  EXPECT_EQ(worker.heuristic->objectiveBounds[0].intValue, 4321);
+  EXPECT_EQ(moveNames(worker), names);
+}
+
+TEST_F(WorkerTest, AnObjectiveWithoutBoundHasTheUnreachableOne) {
+  closeKnapsack();
+  Worker worker(solver);
+  EXPECT_EQ(worker.heuristic->objectiveBounds[0].intValue,
+            std::numeric_limits<std::int64_t>::max());
+}
+
+TEST_F(WorkerTest, ANeighborhoodSizeOf0LeavesTheSimpleFlip) {
+  solver.getParam()->setAdvancedParam("neighborhoodSize", 0);
+  closeKnapsack();
+  Worker worker(solver);
+  EXPECT_EQ(moveNames(worker).size(), 1u);
+}
+
+TEST_F(WorkerTest, ANegativeParameterCountsAs0) {
+  closeKnapsack();
+  solver.getParam()->setAdvancedParam("neighborhoodSize", -3);
+  Worker worker(solver);
+  EXPECT_EQ(moveNames(worker).size(), 1u);
+}
+
+TEST_F(WorkerTest, WithoutBasicMovesThePoolHoldsOneSimpleFlip) {
+  for (const char* key : {"basicMovesEnabled", "advancedMovesEnabled", "tspMovesEnabled"}) {
+    solver.getParam()->setAdvancedParam(key, 0);
+  }
+  closeKnapsack();
+  Worker worker(solver);
+  EXPECT_EQ(moveNames(worker).size(), 1u);
+}
+
+TEST_F(WorkerTest, AMoveIsLeftOutWithItsParameterAt0) {
+  closeKnapsack();
+  Worker all(solver);
+  solver.getParam()->setAdvancedParam("moveFlipEnabled", 0);
+  Worker fewer(solver);
+  EXPECT_LT(moveNames(fewer).size(), moveNames(all).size());
+  for (const std::string& name : moveNames(fewer)) {
+    EXPECT_EQ(name.find("-Flip"), std::string::npos) << name;
+  }
+}
+
+TEST_F(WorkerTest, EveryRandomStateHasItsOwnCacheLine) {
+  EXPECT_EQ(alignof(Worker), 64u);
+}
+
+}  // namespace
+}  // namespace ombrix
