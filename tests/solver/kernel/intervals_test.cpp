@@ -6,22 +6,13 @@
 #include <cmath>
 #include <limits>
 #include <optional>
-#include <ostream>
 
 #include "solver/kernel/mathdouble.h"
 #include "solver/kernel/saturating.h"
 #include "support/failures.h"
+#include "support/intervalprinter.h"
 
 namespace ombrix {
-
-void PrintTo(const IntInterval& x, std::ostream* out) {
-  *out << "[" << x.low << ", " << x.high << "]";
-}
-
-void PrintTo(const DoubleInterval& x, std::ostream* out) {
-  *out << "[" << x.low << ", " << x.high << "]";
-}
-
 namespace {
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
