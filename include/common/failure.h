@@ -16,8 +16,8 @@ enum ErrorCode : int {
   kInternal = 6       ///< a state that should not occur
 };
 
-/// The place that a failure names: source file, line, and the qualified name of the public operation
-/// called, also where a shared helper throws for it.
+/// The place that a failure names: source file, line, and the qualified name of the public
+/// operation called, also where a shared helper throws for it.
 struct Where {
   const char* file;
   int line;
@@ -32,7 +32,9 @@ struct Where {
 
 /// The Where of this line for an operation given without its namespace:
 /// OMBRIX_HERE("OXModel::close") names ombrix::OXModel::close.
-#define OMBRIX_HERE(function) \
-  ::ombrix::Where { __FILE__, __LINE__, "ombrix::" function }
+#define OMBRIX_HERE(function)               \
+  ::ombrix::Where {                         \
+    __FILE__, __LINE__, "ombrix::" function \
+  }
 
 #endif
