@@ -1,5 +1,6 @@
 #include "cli/infocommand.h"
 
+#include <malloc.h>
 #include <ombrix/ombrix.h>
 #include <unistd.h>
 
@@ -79,11 +80,15 @@ void printClosed(const OXModel& model) {
 int runInfo(const CommandLine& line) {
   Ombrix solver;
   OXModel& model = *solver.getModel();
-  OpbModelBuilder(OpbReader::read(line.model), model);
+  {
+    const OpbModel file = OpbReader::read(line.model);
+    const OpbModelBuilder builder(file, model);
+  }
   for (const auto& [key, value] : line.advancedParams) {
     solver.getParam()->setAdvancedParam(key, value);
   }
   printModel(model);
+  malloc_trim(0);  // memory freed so far would hide what closing takes
   const long long memoryBefore = residentMemory();
   const auto start = std::chrono::steady_clock::now();
   model.close();
