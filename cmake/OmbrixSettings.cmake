@@ -17,6 +17,8 @@ endif()
 add_library(ombrix_settings INTERFACE)
 target_compile_options(ombrix_settings INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  # GCC 12 reports overlaps in std::string that cannot be (its bug 105651).
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   -fvisibility=hidden -fvisibility-inlines-hidden
   "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
 if(OMBRIX_SANITIZE)
