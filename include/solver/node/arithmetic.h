@@ -5,16 +5,18 @@
 #include <vector>
 
 #include "solver/kernel/dag.h"
+#include "solver/node/operandview.h"
 
 namespace ombrix {
 
-/// How the nodes of a fixed operand count read and compare numbers, so that their integer and
-/// double forms are written once. The double form reads operands of every domain and compares
+/// How nodes read and compare numbers, so that what their integer and double forms share is written
+/// once. The double form reads operands of every domain and compares
 /// within the tolerance; a bound is reached at, beyond or within tolerance of it.
 
 struct IntArithmetic {
   using Number = std::int64_t;
   using Inner = NodeInner;
+  using Operands = BoundedOperandView;
 
   static Number read(const Dag&, const std::vector<OXValue>& values, std::uint32_t node) {
     return values[node].intValue;
@@ -30,6 +32,7 @@ struct IntArithmetic {
 struct DoubleArithmetic {
   using Number = double;
   using Inner = NodeDoubleInner;
+  using Operands = BoundedDoubleOperandView;
 
   static Number read(const Dag& dag, const std::vector<OXValue>& values, std::uint32_t node) {
     return doubleValue(dag.fixedFields->domains[node], values[node]);

@@ -30,6 +30,14 @@ Node* createMinNode(Dag& dag, std::uint32_t nbOperands);
 Node* createScalarMinNode(Dag& dag, std::uint32_t nbOperands);
 Node* createMaxNode(Dag& dag, std::uint32_t nbOperands);
 Node* createScalarMaxNode(Dag& dag, std::uint32_t nbOperands);
+Node* createDoubleSumNode(Dag& dag, std::uint32_t nbOperands);
+Node* createDoubleScalarSumNode(Dag& dag, std::uint32_t nbOperands);
+Node* createDoubleProductNode(Dag& dag, std::uint32_t nbOperands);
+Node* createDoubleScalarProductNode(Dag& dag, std::uint32_t nbOperands);
+Node* createDoubleMinNode(Dag& dag, std::uint32_t nbOperands);
+Node* createDoubleScalarMinNode(Dag& dag, std::uint32_t nbOperands);
+Node* createDoubleMaxNode(Dag& dag, std::uint32_t nbOperands);
+Node* createDoubleScalarMaxNode(Dag& dag, std::uint32_t nbOperands);
 Node* createArrayNode(Dag& dag, std::uint32_t nbOperands);
 
 }  // namespace ombrix

@@ -5,10 +5,10 @@
 
 #include "solver/kernel/random.h"
 #include "solver/kernel/saturating.h"
-#include "solver/node/intselectors.h"
 #include "solver/node/nodeincremental.h"
 #include "solver/node/operandview.h"
 #include "solver/node/picking.h"
+#include "solver/node/selectors.h"
 
 namespace ombrix {
 

@@ -4,10 +4,10 @@
 #include <iostream>
 
 #include "solver/kernel/saturating.h"
-#include "solver/node/intselectors.h"
 #include "solver/node/nodeincremental.h"
 #include "solver/node/operandview.h"
 #include "solver/node/picking.h"
+#include "solver/node/selectors.h"
 
 namespace ombrix {
 

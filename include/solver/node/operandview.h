@@ -39,6 +39,44 @@ struct BoundedOperandView : OperandView {
   std::int64_t max(std::uint32_t position) const { return maxValues[operands[position]].intValue; }
 };
 
+/// The operands of a double node, of whatever domain, read as doubles.
+struct DoubleOperandView {
+  const std::uint32_t* operands;
+  std::uint32_t nbOperands;
+  const std::uint8_t* domains;
+  const OXValue* values;
+  const OXValue* tValues;
+
+  DoubleOperandView(const Dag& dag, std::uint32_t id)
+      : operands(dag.fixedFields->operandsOf(id)),
+        nbOperands(dag.fixedFields->nbOperands(id)),
+        domains(dag.fixedFields->domains.data()),
+        values(dag.values.data()),
+        tValues(dag.tValues.data()) {}
+
+  double value(std::uint32_t position) const { return read(values, position); }
+  double tValue(std::uint32_t position) const { return read(tValues, position); }
+
+protected:
+  double read(const OXValue* from, std::uint32_t position) const {
+    const std::uint32_t operand = operands[position];
+    return doubleValue(domains[operand], from[operand]);
+  }
+};
+
+struct BoundedDoubleOperandView : DoubleOperandView {
+  const OXValue* minValues;
+  const OXValue* maxValues;
+
+  BoundedDoubleOperandView(const Dag& dag, std::uint32_t id)
+      : DoubleOperandView(dag, id),
+        minValues(dag.fixedFields->minValues.data()),
+        maxValues(dag.fixedFields->maxValues.data()) {}
+
+  double min(std::uint32_t position) const { return read(minValues, position); }
+  double max(std::uint32_t position) const { return read(maxValues, position); }
+};
+
 }  // namespace ombrix
 
 #endif

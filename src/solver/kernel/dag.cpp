@@ -41,6 +41,22 @@ FamilyMaker familyMaker(NodeType type) {
       return createMaxNode;
     case NodeType::ScalarMax:
       return createScalarMaxNode;
+    case NodeType::DoubleSum:
+      return createDoubleSumNode;
+    case NodeType::DoubleScalarSum:
+      return createDoubleScalarSumNode;
+    case NodeType::DoubleProduct:
+      return createDoubleProductNode;
+    case NodeType::DoubleScalarProduct:
+      return createDoubleScalarProductNode;
+    case NodeType::DoubleMin:
+      return createDoubleMinNode;
+    case NodeType::DoubleScalarMin:
+      return createDoubleScalarMinNode;
+    case NodeType::DoubleMax:
+      return createDoubleMaxNode;
+    case NodeType::DoubleScalarMax:
+      return createDoubleScalarMaxNode;
     case NodeType::Array:
       return createArrayNode;
     default:

@@ -1,5 +1,5 @@
-#ifndef OMBRIX_SOLVER_NODE_INTSELECTORS_H
-#define OMBRIX_SOLVER_NODE_INTSELECTORS_H
+#ifndef OMBRIX_SOLVER_NODE_SELECTORS_H
+#define OMBRIX_SOLVER_NODE_SELECTORS_H
 
 #include <cstdint>
 #include <ostream>
@@ -8,7 +8,7 @@
 
 namespace ombrix {
 
-/// The coefficients of an integer aggregate, so that each family is written once. A selector is
+/// The coefficients of an aggregate, so that each family is written once. A selector is
 /// made where it is used, from the node's number: nothing is stored in the node.
 
 /// Every coefficient is 1, and the compiler drops the multiplications.
@@ -28,6 +28,26 @@ public:
 
   std::int64_t operator[](std::uint32_t position) const { return scalars[position].intValue; }
   std::int64_t scalar() const { return scalars[0].intValue; }
+
+private:
+  const OXValue* scalars;
+};
+
+class DoubleOneSelector {
+public:
+  DoubleOneSelector(const Dag&, std::uint32_t) {}
+
+  double operator[](std::uint32_t) const { return 1.0; }
+  double scalar() const { return 1.0; }
+};
+
+class DoubleScalarSelector {
+public:
+  DoubleScalarSelector(const Dag& dag, std::uint32_t id)
+      : scalars(dag.fixedFields->scalarsOf(id)) {}
+
+  double operator[](std::uint32_t position) const { return scalars[position].doubleValue; }
+  double scalar() const { return scalars[0].doubleValue; }
 
 private:
   const OXValue* scalars;

@@ -1,0 +1,12 @@
+#include "solver/node/nodedoublescalarsum.h"
+
+#include "solver/node/createwithsubset.h"
+#include "solver/node/nodefactory.h"
+
+namespace ombrix {
+
+Node* createDoubleScalarSumNode(Dag& dag, std::uint32_t nbOperands) {
+  return createWithSubset<NodeDoubleScalarSumTemplate, DoubleScalarSelector>(dag, nbOperands);
+}
+
+}  // namespace ombrix
