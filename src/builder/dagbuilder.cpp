@@ -106,6 +106,7 @@ void DagBuilder::storeSolution(const Heuristic& heuristic, OXSolution& publicSol
   SolverRecord::setStatus(publicSolution, SolverRecord::kUnknownStatus);
   std::vector<bool>& evaluated = SolverRecord::evaluated(publicSolution);
   evaluated.assign(evaluated.size(), false);
+  SolverRecord::setDirty(publicSolution, false);
   storeDecisions(heuristic, publicSolution);
   storeObjectives(heuristic, publicSolution);
   OXSolutionStatus status = OXSolutionStatus::Feasible;

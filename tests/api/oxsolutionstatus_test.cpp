@@ -78,5 +78,21 @@ TEST_F(OXSolutionStatusTest, AConstantObjectiveHasReachedItsBound) {
   EXPECT_EQ(close().getStatus(), OXSolutionStatus::Optimal);
 }
 
+TEST_F(OXSolutionStatusTest, TheStatusOfASearchStandsThoughADecisionWasSetBefore) {
+  // The search counts the bound of the user for a maximized objective, a status computed from the
+  // values does not: so the two differ here.
+  OXExpression* x = boolean();
+  OXExpression* sum = make(OXOperator::Sum, x, boolean());
+  maximize(sum);
+  OXSolution& solution = close();
+  solver.getParam()->setIntObjectiveBound(0, 1);
+  solver.getParam()->setVerbosity(0);
+  solver.getParam()->setNbThreads(1);
+  solution.setIntValue(x, 1);
+  solver.solve();
+  EXPECT_EQ(solution.getIntValue(sum), 1);
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Optimal);
+}
+
 }  // namespace
 }  // namespace ombrix
