@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <limits>
 #include <memory>
@@ -67,6 +68,13 @@ protected:
       hooks.push_back({this, event});
     }
     for (Hook& hook : hooks) search->addCallback(hook.event, callHook, &hook);
+  }
+
+  /// All events but the ticks, which depend on the clock.
+  std::vector<std::int32_t> untimedEvents() const {
+    std::vector<std::int32_t> kept = events;
+    std::erase(kept, kTick);
+    return kept;
   }
 
   void run() {
@@ -149,7 +157,7 @@ TEST_F(ParallelizerTest, SynchronisesEachTimeAllWorkersHaveDoneSoManyIterations)
   };
   run();
   EXPECT_EQ(iterations, (std::vector<std::uint64_t>{1000, 2000, 3000, 3500}));
-  EXPECT_EQ(events,
+  EXPECT_EQ(untimedEvents(),
             (std::vector<std::int32_t>{kPhaseStart, kSync, kSync, kSync, kSync, kPhaseEnd}));
 }
 
@@ -158,7 +166,8 @@ TEST_F(ParallelizerTest, SynchronisesEvery40000IterationsByDefault) {
   addPhase(80000);
   createParallelizer();
   run();
-  EXPECT_EQ(events, (std::vector<std::int32_t>{kPhaseStart, kSync, kSync, kSync, kPhaseEnd}));
+  EXPECT_EQ(untimedEvents(),
+            (std::vector<std::int32_t>{kPhaseStart, kSync, kSync, kSync, kPhaseEnd}));
 }
 
 TEST_F(ParallelizerTest, WithoutSyncIterationsSynchronisesAtTheEndOfThePhaseOnly) {
@@ -277,7 +286,7 @@ TEST_F(ParallelizerTest, PreparesEachWorkerForThePhase) {
     }
   };
   run();
-  EXPECT_EQ(events.size(), 6u);
+  EXPECT_EQ(untimedEvents().size(), 6u);
 }
 
 TEST_F(ParallelizerTest, AnInfeasibleWorkerFollowsTheConstraintsOnly) {
@@ -440,7 +449,6 @@ TEST_F(ParallelizerTest, ASlowCallbackIsNotFollowedByAllTheTicksItMissedAtOnce) 
   onEvent = [&](std::int32_t event) {
     if (event != kTick) return;
     if (++nbTicks == 1) std::this_thread::sleep_for(std::chrono::milliseconds(2100));
-    if (nbTicks == 1) states.clear();
     search->requestStop();
   };
   run();
