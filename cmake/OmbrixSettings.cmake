@@ -21,10 +21,6 @@ target_compile_options(ombrix_settings INTERFACE
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
   -fvisibility=hidden -fvisibility-inlines-hidden
   "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
-# GCC 12 reports overlapping copies inside std::string where there are none (its bug 105651).
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  target_compile_options(ombrix_settings INTERFACE -Wno-restrict)
-endif()
 if(OMBRIX_SANITIZE)
   target_compile_options(ombrix_settings INTERFACE
     -fsanitize=${OMBRIX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
