@@ -52,6 +52,7 @@ void DagFixedFields::finish() {
   computeLevels();
   sortParentsByLevel();
   layOutQueues();
+  linkNodes();
 }
 
 void DagFixedFields::countTypes() {
@@ -235,15 +236,25 @@ void DagFixedFields::sortParentsByLevel() {
 }
 
 void DagFixedFields::layOutQueues() {
-  queueOfNode.resize(nbNodes);
   queueOffsets.assign(2 * nodesByRank.size() + 1, 0);
-  for (std::uint32_t id = 0; id < nbNodes; ++id) {
-    queueOfNode[id] = 2 * ranks[id] + (isConstraint(id) ? 0 : 1);
-    ++queueOffsets[queueOfNode[id] + 1];
-  }
+  for (std::uint32_t id = 0; id < nbNodes; ++id) ++queueOffsets[queueOf(id) + 1];
   for (std::size_t queue = 1; queue < queueOffsets.size(); ++queue) {
     queueOffsets[queue] += queueOffsets[queue - 1];
   }
+}
+
+void DagFixedFields::linkNodes() {
+  const std::size_t nbColumns = objectives.size() + 1;
+  links.reserve((nbColumns + 2) * nbNodes);
+  for (std::uint32_t id = 0; id < nbNodes; ++id) {
+    links.push_back(4 * queueOf(id) + domains[id]);
+    links.push_back(parentOffsets[id]);
+    links.insert(links.end(), parentEndsOf(id), parentEndsOf(id) + nbColumns);
+  }
+}
+
+std::uint32_t DagFixedFields::queueOf(std::uint32_t id) const {
+  return 2 * ranks[id] + (isConstraint(id) ? 0 : 1);
 }
 
 std::string DagFixedFields::getTypeName(std::uint32_t id) const {

@@ -74,7 +74,7 @@ void Propagation::initConstraints(const Dag& dag) {
 
 inline void Propagation::touch(const DagFixedFields& fields, std::uint32_t node) {
   touched[node >> 6] |= std::uint64_t{1} << (node & 63);
-  const std::uint32_t queue = fields.queueOfNode[node];
+  const std::uint32_t queue = *fields.linksOf(node) / 4;
   slots[queueEnds[queue]++] = node;
   const std::uint32_t rank = queue / 2;
   const std::size_t word = rank / kRanksPerWord;
@@ -241,7 +241,7 @@ bool Propagation::evaluateConstraint(Dag& dag, std::uint32_t id) {
 
 // A NaN always counts as changed. An array has no value: it changed when it was touched.
 inline bool Propagation::hasChanged(const Dag& dag, std::uint32_t id) const {
-  const std::uint8_t domain = dag.fixedFields->domains[id];
+  const std::uint32_t domain = *dag.fixedFields->linksOf(id) % 4;
   if (domain <= kIntegerDomain) return dag.values[id].intValue != dag.tValues[id].intValue;
   if (domain == kDoubleDomain) return dag.values[id].doubleValue != dag.tValues[id].doubleValue;
   return isTouched(id);
@@ -250,11 +250,12 @@ inline bool Propagation::hasChanged(const Dag& dag, std::uint32_t id) const {
 inline void Propagation::notifyParents(Dag& dag, std::uint32_t node, std::uint32_t fromLevel,
                                        std::uint32_t toLevel) {
   const DagFixedFields& fields = *dag.fixedFields;
-  const std::uint32_t* ends = fields.parentEndsOf(node);
+  const std::uint32_t* links = fields.linksOf(node);
+  const std::uint32_t* ends = links + 2;
   const std::uint32_t start = fromLevel == 0 ? 0 : ends[fromLevel - 1];
   const std::uint32_t end = ends[toLevel];
-  const std::uint32_t* parents = fields.parents.data() + fields.parentOffsets[node];
-  const std::uint32_t* positions = fields.parentPositions.data() + fields.parentOffsets[node];
+  const std::uint32_t* parents = fields.parents.data() + links[1];
+  const std::uint32_t* positions = fields.parentPositions.data() + links[1];
   for (std::uint32_t i = start; i < end; ++i) {
     const std::uint32_t parent = parents[i];
     if (!isTouched(parent)) touch(fields, parent);

@@ -238,9 +238,11 @@ TEST(DagFixedFields, queuesOfARankHoldItsConstraintsThenItsOtherNodes) {
   const auto b = g.constraint(g.boolean());
   g.minimise(g.node(NodeType::Not, {a}));
   const DagFixedFields& fields = g.finish();
-  EXPECT_THAT(fields.queueOfNode, ElementsAre(1, 0, 3));
   EXPECT_THAT(fields.queueOffsets, ElementsAre(0, 1, 2, 2, 3));
   EXPECT_TRUE(fields.isConstraint(b));
+  EXPECT_THAT(fields.links, ElementsAre(4 * 1 + 0, 0, 0, 1,  //
+                                        4 * 0 + 0, 1, 0, 0,  //
+                                        4 * 3 + 0, 1, 0, 0));
 }
 
 TEST(DagFixedFields, displaysItsStatistics) {
