@@ -27,10 +27,20 @@ PoolSettings readPoolSettings(const Ombrix& solver) {
   PoolSettings settings;
   settings.targetingRate = positiveParam(solver, "targetingLevel", 5) * 10;
   settings.neighborhoodSize = positiveParam(solver, "neighborhoodSize", 8);
+  settings.largeMirrorSize = positiveParam(solver, "largeMirrorSize", 50);
+  settings.largeRollSize = positiveParam(solver, "largeRollSize", 50);
   settings.basicMovesEnabled = isEnabled(solver, "basicMovesEnabled");
+  settings.tspMovesEnabled = isEnabled(solver, "tspMovesEnabled");
   settings.moveBalanceEnabled = isEnabled(solver, "moveBalanceEnabled");
   settings.moveSwapEnabled = isEnabled(solver, "moveSwapEnabled");
   settings.moveFlipEnabled = isEnabled(solver, "moveFlipEnabled");
+  settings.movePathEnabled = isEnabled(solver, "movePathEnabled");
+  settings.moveCycleEnabled = isEnabled(solver, "moveCycleEnabled");
+  settings.moveForkCycleEnabled = isEnabled(solver, "moveForkCycleEnabled");
+  settings.moveForkPathEnabled = isEnabled(solver, "moveForkPathEnabled");
+  settings.moveRollEnabled = isEnabled(solver, "moveRollEnabled");
+  settings.moveScrambleEnabled = isEnabled(solver, "moveScrambleEnabled");
+  settings.moveMirrorEnabled = isEnabled(solver, "moveMirrorEnabled");
   return settings;
 }
 

@@ -13,10 +13,20 @@ namespace ombrix {
 struct PoolSettings {
   std::uint32_t targetingRate = 50;    ///< percent; ten times the level of the parameter
   std::uint32_t neighborhoodSize = 8;  ///< largest number of decisions of a move
+  std::uint32_t largeMirrorSize = 50;  ///< rows that a large mirror turns at most
+  std::uint32_t largeRollSize = 50;
   bool basicMovesEnabled = true;
+  bool tspMovesEnabled = true;  ///< the moves on runs of exactly-one lists
   bool moveBalanceEnabled = true;
-  bool moveSwapEnabled = true;
+  bool moveSwapEnabled = true;  ///< the large mirrors too
   bool moveFlipEnabled = true;
+  bool movePathEnabled = true;
+  bool moveCycleEnabled = true;
+  bool moveForkCycleEnabled = true;
+  bool moveForkPathEnabled = true;
+  bool moveRollEnabled = true;
+  bool moveScrambleEnabled = true;
+  bool moveMirrorEnabled = true;
 };
 
 /// Fills the pool of one worker with the moves that suit its model, in a fixed order and with fixed

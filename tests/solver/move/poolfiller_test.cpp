@@ -24,6 +24,24 @@ protected:
     return text;
   }
 
+  /// The moves on chains and runs have tests of their own.
+  static PoolSettings flipsOnly() {
+    PoolSettings settings;
+    settings.movePathEnabled = settings.moveCycleEnabled = false;
+    settings.moveForkCycleEnabled = settings.moveForkPathEnabled = false;
+    return settings;
+  }
+
+  /// Lists over two decisions each: the given numbers of them are free, and exactly-one lists.
+  void buildLists(std::uint32_t nbFree, std::uint32_t nbExactlyOne) {
+    auto& builder = graph.builder;
+    for (std::uint32_t i = 0; i < nbFree + nbExactlyOne; ++i) {
+      const auto list = builder.node(NodeType::BooleanSum, builder.booleans(2));
+      if (i < nbFree) continue;
+      builder.constraint(builder.node(NodeType::Eq, {list, builder.constant(1)}));
+    }
+  }
+
   test::SearchGraph graph;
 };
 
@@ -31,7 +49,7 @@ TEST_F(PoolFillerTest, BasicMovesStandBySizeThenKindWithTheirWeights) {
   auto& builder = graph.builder;
   const auto x = builder.booleans(20);
   for (int i = 0; i < 6; ++i) builder.minimise(builder.node(NodeType::BooleanSum, x));
-  EXPECT_EQ(fill({}),
+  EXPECT_EQ(fill(flipsOnly()),
             "1-Balance*4 1-Swap*4 1-Flip*8 2-Balance*2 2-Swap*2 2-Flip*8 3-Balance*1 3-Swap*1 "
             "3-Flip*2 4-Balance*1 4-Swap*1 4-Flip*1 5-Flip*1 6-Flip*1 7-Flip*1 8-Flip*1 "
             "1-SimpleFlip*1");
@@ -40,7 +58,7 @@ TEST_F(PoolFillerTest, BasicMovesStandBySizeThenKindWithTheirWeights) {
 TEST_F(PoolFillerTest, MovesThatTheModelCannotFeedAreLeftOut) {
   auto& builder = graph.builder;
   builder.minimise(builder.node(NodeType::BooleanSum, builder.booleans(3)));
-  EXPECT_EQ(fill({}), "1-Balance*4 1-Swap*4 1-Flip*8 2-Flip*8 3-Flip*2 1-SimpleFlip*1");
+  EXPECT_EQ(fill(flipsOnly()), "1-Balance*4 1-Swap*4 1-Flip*8 2-Flip*8 3-Flip*2 1-SimpleFlip*1");
 }
 
 TEST_F(PoolFillerTest, ANeighborhoodOfZeroLeavesTheSimpleFlip) {
@@ -63,9 +81,8 @@ TEST_F(PoolFillerTest, EachKindHasItsSwitch) {
   auto& builder = graph.builder;
   builder.minimise(builder.node(NodeType::BooleanSum, builder.booleans(2)));
   const auto without = [&](bool PoolSettings::*flag) {
-    PoolSettings settings;
+    PoolSettings settings = flipsOnly();
     settings.*flag = false;
-    test::SearchGraph own;
     return fill(settings);
   };
   EXPECT_EQ(without(&PoolSettings::moveBalanceEnabled),
@@ -77,6 +94,106 @@ TEST_F(PoolFillerTest, EachKindHasItsSwitch) {
   EXPECT_EQ(without(&PoolSettings::moveFlipEnabled), "1-Balance*4 1-Swap*4 1-SimpleFlip*1");
   graph.structure.reset();
   EXPECT_EQ(without(&PoolSettings::basicMovesEnabled), "1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, ChainsStandBehindTheFlipsOfTheirSize) {
+  buildLists(2, 0);
+  PoolSettings settings;
+  settings.moveBalanceEnabled = settings.moveSwapEnabled = settings.moveFlipEnabled = false;
+  EXPECT_EQ(fill(settings),
+            "2-Path*6 2-Cycle*2 3-Path*6 3-Cycle*4 3-2-ForkCycle*2 3-3-ForkCycle*1 3-2-ForkPath*1 "
+            "3-3-ForkPath*1 4-Path*8 4-Cycle*8 5-Path*8 5-Cycle*8 6-Path*4 6-Cycle*4 7-Path*2 "
+            "7-Cycle*2 8-Path*1 8-Cycle*1 1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, PathsNeedAFreeList) {
+  buildLists(0, 1);
+  PoolSettings settings;
+  settings.neighborhoodSize = 3;
+  settings.moveBalanceEnabled = settings.moveSwapEnabled = false;
+  EXPECT_EQ(fill(settings), "2-Cycle*2 3-Cycle*4 3-2-ForkCycle*2 3-3-ForkCycle*1 1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, ModelsWithoutListsHaveNoChains) {
+  graph.builder.boolean();
+  EXPECT_EQ(fill({}), "1-Flip*8 1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, EachKindOfChainHasItsSwitch) {
+  buildLists(1, 0);
+  PoolSettings settings;
+  settings.moveBalanceEnabled = settings.moveSwapEnabled = settings.moveFlipEnabled = false;
+  settings.neighborhoodSize = 3;
+  const auto without = [&](bool PoolSettings::*flag) {
+    PoolSettings reduced = settings;
+    reduced.*flag = false;
+    graph.structure.reset();
+    return fill(reduced);
+  };
+  EXPECT_EQ(without(&PoolSettings::movePathEnabled),
+            "2-Cycle*2 3-Cycle*4 3-2-ForkCycle*2 3-3-ForkCycle*1 3-2-ForkPath*1 3-3-ForkPath*1 "
+            "1-SimpleFlip*1");
+  EXPECT_EQ(without(&PoolSettings::moveCycleEnabled),
+            "2-Path*6 3-Path*6 3-2-ForkCycle*2 3-3-ForkCycle*1 3-2-ForkPath*1 3-3-ForkPath*1 "
+            "1-SimpleFlip*1");
+  EXPECT_EQ(without(&PoolSettings::moveForkCycleEnabled),
+            "2-Path*6 2-Cycle*2 3-Path*6 3-Cycle*4 3-2-ForkPath*1 3-3-ForkPath*1 1-SimpleFlip*1");
+  EXPECT_EQ(without(&PoolSettings::moveForkPathEnabled),
+            "2-Path*6 2-Cycle*2 3-Path*6 3-Cycle*4 3-2-ForkCycle*2 3-3-ForkCycle*1 1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, RunMovesComeFirstAndLargeOnesAfterTheBasicOnes) {
+  buildLists(0, 60);
+  PoolSettings settings = flipsOnly();
+  settings.moveBalanceEnabled = false;
+  EXPECT_EQ(fill(settings),
+            "2-1-Roll*8 2-Mirror*8 3-1-Roll*8 3-Mirror*8 4-1-Roll*8 4-2-Roll*8 4-Scramble*8 "
+            "4-Mirror*8 5-1-Roll*8 5-2-Roll*8 5-Scramble*8 5-Mirror*8 6-1-Roll*8 6-2-Roll*8 "
+            "6-3-Roll*8 6-Scramble*4 6-Mirror*8 7-1-Roll*8 7-2-Roll*8 7-3-Roll*8 7-Scramble*2 "
+            "7-Mirror*8 8-1-Roll*8 8-2-Roll*8 8-3-Roll*8 8-Scramble*1 8-Mirror*8 "
+            "1-Swap*4 2-Swap*2 3-Swap*1 4-Swap*1 "
+            "8-50-Mirror*8 8-50-1-Roll*8 8-50-2-Roll*8 8-50-3-Roll*8 8-50-25-Roll*8 "
+            "1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, RunMovesAreBoundedByTheExactlyOneLists) {
+  buildLists(0, 5);
+  PoolSettings settings = flipsOnly();
+  settings.moveBalanceEnabled = settings.moveSwapEnabled = false;
+  EXPECT_EQ(fill(settings),
+            "2-1-Roll*8 2-Mirror*8 3-1-Roll*8 3-Mirror*8 4-1-Roll*8 4-2-Roll*8 4-Scramble*8 "
+            "4-Mirror*8 5-1-Roll*8 5-2-Roll*8 5-Scramble*8 5-Mirror*8 "
+            "8-5-1-Roll*8 8-5-2-Roll*8 1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, TheLargeMirrorIsSwitchedWithTheSwaps) {
+  buildLists(0, 12);
+  PoolSettings settings = flipsOnly();
+  settings.moveBalanceEnabled = settings.moveMirrorEnabled = settings.moveRollEnabled = false;
+  settings.neighborhoodSize = 2;
+  settings.largeMirrorSize = 10;
+  EXPECT_EQ(fill(settings), "1-Swap*4 2-Swap*2 2-10-Mirror*8 1-SimpleFlip*1");
+  graph.structure.reset();
+  settings.moveSwapEnabled = false;
+  settings.moveMirrorEnabled = true;
+  EXPECT_EQ(fill(settings), "2-Mirror*8 1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, RunMovesAndLargeMovesHaveTheirSwitches) {
+  buildLists(0, 12);
+  PoolSettings settings = flipsOnly();
+  settings.moveBalanceEnabled = settings.moveSwapEnabled = false;
+  settings.neighborhoodSize = 4;
+  settings.tspMovesEnabled = false;
+  settings.largeRollSize = 7;
+  EXPECT_EQ(fill(settings), "4-7-1-Roll*8 4-7-2-Roll*8 4-7-3-Roll*8 1-SimpleFlip*1");
+  graph.structure.reset();
+  settings.tspMovesEnabled = true;
+  settings.basicMovesEnabled = settings.moveRollEnabled = false;
+  EXPECT_EQ(fill(settings), "2-Mirror*8 3-Mirror*8 4-Scramble*8 4-Mirror*8 1-SimpleFlip*1");
+  graph.structure.reset();
+  settings.moveScrambleEnabled = false;
+  EXPECT_EQ(fill(settings), "2-Mirror*8 3-Mirror*8 4-Mirror*8 1-SimpleFlip*1");
 }
 
 TEST_F(PoolFillerTest, AModelOfDoublesHasTheDoubleMovesItCanFeed) {

@@ -1,0 +1,162 @@
+#include <algorithm>
+
+#include "solver/kernel/heuristicautoannealing.h"
+#include "solver/kernel/random.h"
+#include "solver/move/poolfiller.h"
+#include "tests/support/searchgraph.h"
+
+namespace ombrix {
+namespace {
+
+/// What a move did, told as one number: every decision written, in order, and every random state.
+class Trace {
+public:
+  void add(std::uint32_t number) { hash = (hash ^ number) * 1099511628211u; }
+  std::uint64_t value() const { return hash; }
+
+private:
+  std::uint64_t hash = 14695981039346656037u;
+};
+
+/// An assignment of six items to six places with a budget over them, six free decisions, and the
+/// doubles that some moves need.
+void buildGraph(test::GraphBuilder& builder, std::vector<std::uint32_t>& assigned) {
+  constexpr std::uint32_t n = 6;
+  const auto x = builder.booleans(n * n);
+  const auto spare = builder.booleans(n);
+  for (const bool isRow : {true, false}) {
+    for (std::uint32_t i = 0; i < n; ++i) {
+      std::vector<std::uint32_t> operands;
+      for (std::uint32_t j = 0; j < n; ++j) operands.push_back(isRow ? x[i * n + j] : x[j * n + i]);
+      const auto list = builder.node(NodeType::BooleanSum, operands);
+      builder.constraint(builder.node(NodeType::Eq, {list, builder.constant(1)}));
+    }
+  }
+  std::vector<std::uint32_t> terms = x;
+  terms.insert(terms.end(), spare.begin(), spare.end());
+  std::vector<std::int64_t> costs;
+  for (std::uint32_t i = 0; i < terms.size(); ++i) costs.push_back(1 + i * 7 % 11);
+  const auto few = builder.node(NodeType::BooleanSum, spare);
+  builder.constraint(builder.node(NodeType::Leq, {few, builder.constant(4)}));
+  builder.minimise(builder.node(NodeType::ScalarSum, terms, costs));
+  for (std::uint32_t i = 0; i < n; ++i) assigned.push_back(x[i * n + i * 5 % n]);
+}
+
+class PinnedDrawsTest : public testing::Test {
+protected:
+  PinnedDrawsTest() {
+    std::vector<std::uint32_t> assigned;
+    buildGraph(graph.builder, assigned);
+    graph.start(1);
+    for (const auto decision : assigned) graph.raise(decision);
+  }
+
+  test::SearchGraph graph;
+};
+
+TEST_F(PinnedDrawsTest, EveryMoveOfThePoolWritesTheSameDecisionsInTheSameOrder) {
+  MovePool pool;
+  fillMovePool(pool, *graph.structure, {}, PoolSettings{});
+  std::string text;
+  for (const auto& move : pool.moves) {
+    graph.rng = 12345;
+    Trace trace;
+    for (int i = 0; i < 200; ++i) {
+      trace.add(move->apply() ? 1 : 0);
+      for (const auto decision : graph.dag->propagation.changedDecisions) trace.add(decision);
+      trace.add(graph.rng);
+      graph.reject();
+    }
+    text += move->name + " " + std::to_string(trace.value()) + "\n";
+  }
+  EXPECT_EQ(text,
+            "2-1-Roll 5724009062055585654\n"
+            "2-Mirror 9018913370689070776\n"
+            "3-1-Roll 3142384244909536392\n"
+            "3-Mirror 17750217740390597378\n"
+            "4-1-Roll 554063058249853528\n"
+            "4-2-Roll 13197727843186912216\n"
+            "4-Scramble 14193426178777567184\n"
+            "4-Mirror 39861676126971296\n"
+            "5-1-Roll 7523892792387722397\n"
+            "5-2-Roll 15596706848366165697\n"
+            "5-Scramble 5155764852997644279\n"
+            "5-Mirror 18043314194517769104\n"
+            "6-1-Roll 2925824682124786333\n"
+            "6-2-Roll 8318079038599469661\n"
+            "6-3-Roll 18428676471244931681\n"
+            "6-Scramble 11144984519658736432\n"
+            "6-Mirror 14028905217424429015\n"
+            "7-1-Roll 2925824682124786333\n"
+            "7-2-Roll 8318079038599469661\n"
+            "7-3-Roll 18428676471244931681\n"
+            "7-Scramble 11144984519658736432\n"
+            "7-Mirror 14028905217424429015\n"
+            "8-1-Roll 2925824682124786333\n"
+            "8-2-Roll 8318079038599469661\n"
+            "8-3-Roll 18428676471244931681\n"
+            "8-Scramble 11144984519658736432\n"
+            "8-Mirror 14028905217424429015\n"
+            "1-Balance 4370217040043056308\n"
+            "1-Swap 17523875466524531716\n"
+            "1-Flip 16405286783925766602\n"
+            "2-Balance 16682783980593126159\n"
+            "2-Swap 3476449645693483137\n"
+            "2-Flip 16651827673167588552\n"
+            "2-Path 7879307207406531914\n"
+            "2-Cycle 9502846987980383951\n"
+            "3-Balance 3679150301060700838\n"
+            "3-Swap 16050209602356935679\n"
+            "3-Flip 7483442629277906814\n"
+            "3-Path 7433973166255496972\n"
+            "3-Cycle 9928699729206979764\n"
+            "3-2-ForkCycle 153286528627767917\n"
+            "3-3-ForkCycle 153286528627767917\n"
+            "3-2-ForkPath 7573542953914547191\n"
+            "3-3-ForkPath 9459706616964647588\n"
+            "4-Balance 18126219551369065431\n"
+            "4-Flip 12018916546226772849\n"
+            "4-Path 3086352835396272849\n"
+            "4-Cycle 12433943489387565953\n"
+            "5-Flip 8118373739848287606\n"
+            "5-Path 14364472094940818138\n"
+            "5-Cycle 11835360759690654727\n"
+            "6-Flip 4883026644307189445\n"
+            "6-Path 3603871144867996979\n"
+            "6-Cycle 5565538662852485460\n"
+            "7-Path 4293107599444234111\n"
+            "7-Cycle 6116602003857399769\n"
+            "8-Path 1047420614868376104\n"
+            "8-Cycle 15750123460919603461\n"
+            "8-12-Mirror 10540515163016388071\n"
+            "8-12-1-Roll 16813711887551876939\n"
+            "8-12-2-Roll 4828069913500368711\n"
+            "8-12-3-Roll 6054379616016480195\n"
+            "1-SimpleFlip 13245702032040851947\n");
+}
+
+TEST_F(PinnedDrawsTest, AWholeSearchEndsInTheSameStateWithTheSameCounters) {
+  HeuristicAutoAnnealing heuristic(*graph.dag, &graph.rng);
+  fillMovePool(heuristic.movePool, *graph.structure, {}, PoolSettings{});
+  heuristic.setAnnealingWindow(6);
+  heuristic.setRestartingRatio(30);
+  graph.rng = 1;
+  heuristic.reset();
+  heuristic.iterationLimit = 150000;
+  heuristic.run();
+  Trace trace;
+  for (const auto& move : heuristic.movePool.moves) {
+    for (const auto count : {move->weight, move->nbAttempted, move->nbAccepted, move->nbRejected,
+                             move->nbImprovements, move->nbInfeasibles}) {
+      trace.add(count);
+    }
+  }
+  EXPECT_EQ(trace.value(), 13014101127188356346u);
+  EXPECT_EQ(graph.rng, 2492113400u);
+  EXPECT_EQ(heuristic.bestIteration, 75u);
+  EXPECT_EQ(heuristic.bestSolution.objectiveValues[0].intValue, 15);
+  test::expectConsistent(*graph.dag);
+}
+
+}  // namespace
+}  // namespace ombrix
