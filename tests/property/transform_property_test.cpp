@@ -1,0 +1,437 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "builder/solverrecord.h"
+#include "solver/kernel/heuristic.h"
+#include "support/models.h"
+
+// The graph against the model: on every assignment of small random models, what the kernel says of
+// constraints, objectives and every expression that has a node is what the public solution says.
+namespace ombrix {
+namespace {
+
+constexpr std::int64_t kMaxMagnitude = 1000000;
+
+/// Draws a model in which every expression has a value at every assignment. Left out on purpose is
+/// what the transformation reads in a way of its own: divisors fixed at 1, integer divisors of
+/// double quotients, negative exponents, indices that fill the interval of an integer "at" when
+/// bounds are computed.
+class RandomModel {
+public:
+  RandomModel(test::TestModel& target, unsigned seed, bool hasBounds)
+      : m(target), random(seed), computesBounds(hasBounds) {
+    const int nbDecisions = 1 + pick(5);
+    for (int i = 0; i < nbDecisions; ++i) addBoolean(m.boolean());
+    for (const int value : {0, 1}) addBoolean(m.constant(value));
+    for (const int value : {2, 3, -1, -2}) addInteger(m.constant(value), 3);
+    for (const double value : {0.5, 2.0, -1.25}) addDouble(m.constant(value), 3);
+    const int nbExpressions = 5 + pick(25);
+    for (int i = 0; i < nbExpressions; ++i) addExpression();
+    addGoals();
+  }
+
+private:
+  int pick(int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); }
+  OXExpression* pickFrom(const std::vector<OXExpression*>& pool) {
+    // Late expressions are preferred, so that models become deep.
+    const int n = static_cast<int>(pool.size());
+    return pool[static_cast<std::size_t>(std::max(pick(n), pick(n)))];
+  }
+  OXExpression* boolean() { return pickFrom(booleans); }
+  OXExpression* integer() { return pick(3) == 0 ? boolean() : pickFrom(integers); }
+  OXExpression* real() { return pickFrom(doubles); }
+  OXExpression* number() { return pick(2) == 0 ? integer() : real(); }
+
+  void addBoolean(OXExpression* e) {
+    booleans.push_back(e);
+    magnitudes[e] = 1;
+  }
+  void addInteger(OXExpression* e, std::int64_t magnitude) {
+    if (magnitude <= kMaxMagnitude) {
+      integers.push_back(e);
+      magnitudes[e] = magnitude;
+    }
+  }
+  void addDouble(OXExpression* e, std::int64_t magnitude) {
+    if (magnitude <= kMaxMagnitude) {
+      doubles.push_back(e);
+      magnitudes[e] = magnitude;
+    }
+  }
+
+  void addExpression() {
+    switch (pick(3)) {
+      case 0:
+        return addBooleanExpression();
+      case 1:
+        return addIntegerExpression();
+      default:
+        return addDoubleExpression();
+    }
+  }
+
+  void addBooleanExpression() {
+    static constexpr OXOperator kComparisons[] = {OXOperator::Eq,  OXOperator::Neq, OXOperator::Geq,
+                                                  OXOperator::Leq, OXOperator::Gt,  OXOperator::Lt};
+    static constexpr OXOperator kLogical[] = {OXOperator::And, OXOperator::Or, OXOperator::Xor};
+    switch (pick(5)) {
+      case 0:
+        return addBoolean(m.make(OXOperator::Not, boolean()));
+      case 1:
+        return addBoolean(m.make(OXOperator::Iif, boolean(), boolean(), boolean()));
+      case 2:
+        return addBoolean(m.make(kComparisons[pick(6)], number(), number()));
+      case 3:
+        return addBoolean(m.make(kComparisons[pick(6)], integer(), integer()));
+      default: {
+        OXExpression* e = m.make(kLogical[pick(3)], boolean());
+        for (int n = pick(4); n > 0; --n) e->addOperand(boolean());
+        return addBoolean(e);
+      }
+    }
+  }
+
+  void addIntegerExpression() {
+    switch (pick(11)) {
+      case 0:
+      case 1:
+        return addSum();
+      case 2:
+        return addProduct();
+      case 3:
+        return addExtreme();
+      case 4: {
+        OXExpression* a = integer();
+        OXExpression* b = integer();
+        return addInteger(m.make(OXOperator::Iif, boolean(), a, b), larger(a, b));
+      }
+      case 5: {
+        OXExpression* a = integer();
+        return addInteger(m.make(OXOperator::Abs, a), magnitudes[a]);
+      }
+      case 6: {
+        OXExpression* a = integer();
+        OXExpression* b = integer();
+        return addInteger(m.make(OXOperator::Dist, a, b), magnitudes[a] + magnitudes[b]);
+      }
+      case 7: {
+        OXExpression* a = integer();
+        const OXOperator op = pick(2) == 0 ? OXOperator::Div : OXOperator::Mod;
+        return addInteger(m.make(op, a, divisor()), magnitudes[a]);
+      }
+      case 8: {
+        static constexpr OXOperator kRoundings[] = {OXOperator::Ceil, OXOperator::Floor,
+                                                    OXOperator::Round};
+        OXExpression* a = number();
+        return addInteger(m.make(kRoundings[pick(3)], a), magnitudes[a] + 1);
+      }
+      case 9:
+        return addAt();
+      default:
+        return addScalar();
+    }
+  }
+
+  void addDoubleExpression() {
+    OXExpression* a = number();
+    OXExpression* b = real();
+    switch (pick(9)) {
+      case 0:
+        return addDouble(m.make(OXOperator::Sqrt, m.make(OXOperator::Abs, a)), magnitudes[a] + 1);
+      case 1:
+        return addDouble(m.make(OXOperator::Log, atLeastTwo()), kMaxMagnitude / 1000);
+      case 2:
+        if (magnitudes[a] > 5) return;
+        return addDouble(m.make(OXOperator::Exp, a), 150);
+      case 3: {
+        static constexpr OXOperator kWaves[] = {OXOperator::Cos, OXOperator::Sin};
+        return addDouble(m.make(kWaves[pick(2)], a), 1);
+      }
+      case 4:
+        return addDouble(m.make(OXOperator::Abs, b), magnitudes[b]);
+      case 5:
+        return addDouble(m.make(OXOperator::Dist, a, b), magnitudes[a] + magnitudes[b]);
+      case 6:
+        return addDouble(m.make(OXOperator::Iif, boolean(), a, b), larger(a, b));
+      case 7: {
+        static constexpr double kDivisors[] = {0.5, 2.0, -4.0};
+        return addDouble(m.make(OXOperator::Div, a, kDivisors[pick(3)]), 2 * magnitudes[a]);
+      }
+      default: {
+        OXExpression* array = m.array(a, b);
+        return addDouble(m.make(OXOperator::At, array, boolean()), larger(a, b));
+      }
+    }
+  }
+
+  /// An operand of an operator; sometimes one of the same kind that nothing else uses, which the
+  /// transformation opens.
+  OXExpression* operandOf(OXOperator op) {
+    if (pick(4) != 0) return integer();
+    OXExpression* a = integer();
+    OXExpression* b = integer();
+    OXExpression* e = m.make(op, a, b);
+    magnitudes[e] =
+        op == OXOperator::Prod ? magnitudes[a] * magnitudes[b] : magnitudes[a] + magnitudes[b];
+    return e;
+  }
+
+  void addSum() {
+    OXExpression* e = m.model().createExpression(OXOperator::Sum);
+    std::int64_t magnitude = 0;
+    for (int n = 1 + pick(5); n > 0; --n) {
+      OXExpression* term = operandOf(OXOperator::Sum);
+      magnitude += 3 * magnitudes[term];
+      switch (pick(4)) {
+        case 0:
+          e->addOperand(m.make(OXOperator::Prod, pick(7) - 3, term));
+          break;
+        case 1:
+          magnitude += 3;
+          e->addOperand(m.make(OXOperator::Iif, boolean(), pick(7) - 3, 0));
+          break;
+        default:
+          e->addOperand(term);
+      }
+    }
+    addInteger(e, magnitude);
+  }
+
+  void addProduct() {
+    OXExpression* e = m.model().createExpression(OXOperator::Prod);
+    std::int64_t magnitude = 1;
+    for (int n = 1 + pick(4); n > 0; --n) {
+      OXExpression* factor = operandOf(OXOperator::Prod);
+      if (magnitude * magnitudes[factor] > kMaxMagnitude) continue;
+      magnitude *= magnitudes[factor];
+      e->addOperand(factor);
+    }
+    if (e->getNbOperands() == 0) e->addOperand(2);
+    addInteger(e, std::max<std::int64_t>(magnitude, 2));
+  }
+
+  void addExtreme() {
+    const OXOperator op = pick(2) == 0 ? OXOperator::Max : OXOperator::Min;
+    OXExpression* e = m.model().createExpression(op);
+    std::int64_t magnitude = 0;
+    for (int n = 1 + pick(4); n > 0; --n) {
+      OXExpression* term = operandOf(op);
+      magnitude = std::max(magnitude, 3 * magnitudes[term]);
+      if (pick(3) == 0) term = m.make(OXOperator::Prod, pick(7) - 3, term);
+      e->addOperand(term);
+    }
+    addInteger(e, magnitude);
+  }
+
+  OXExpression* atLeastTwo() {
+    return m.make(OXOperator::Sum, m.make(OXOperator::Abs, integer()), 2);
+  }
+  OXExpression* divisor() {
+    static constexpr int kDivisors[] = {2, 3, 5, -2};
+    return pick(3) == 0 ? atLeastTwo() : m.constant(kDivisors[pick(4)]);
+  }
+
+  void addAt() {
+    const int n = 2 + pick(3);
+    OXExpression* array = m.array();
+    std::int64_t magnitude = 0;
+    for (int i = 0; i < n; ++i) {
+      OXExpression* element = integer();
+      array->addOperand(element);
+      magnitude = std::max(magnitude, magnitudes[element]);
+    }
+    OXExpression* index = n == 2 && !computesBounds ? boolean() : looseIndex(n);
+    addInteger(m.make(OXOperator::At, array, index), magnitude);
+  }
+  /// Always below n, with computed bounds that reach n.
+  OXExpression* looseIndex(int n) {
+    OXExpression* e = integer();
+    OXExpression* negative = m.make(OXOperator::Sum, e, static_cast<long long>(-magnitudes[e] - n));
+    return m.make(OXOperator::Abs, m.make(OXOperator::Mod, negative, n));
+  }
+
+  void addScalar() {
+    OXExpression* a = m.array();
+    OXExpression* b = m.array();
+    const int constantSide = pick(3);
+    std::int64_t magnitude = 0;
+    for (int n = pick(4); n > 0; --n) {
+      OXExpression* x = constantSide == 0 ? m.constant(pick(7) - 3) : integer();
+      OXExpression* y = constantSide == 1 ? m.constant(pick(7) - 3) : integer();
+      a->addOperand(x);
+      b->addOperand(y);
+      magnitude +=
+          std::max<std::int64_t>(magnitudes[x], 3) * std::max<std::int64_t>(magnitudes[y], 3);
+    }
+    addInteger(m.make(OXOperator::Scalar, a, b), magnitude);
+  }
+
+  std::int64_t larger(OXExpression* a, OXExpression* b) {
+    return std::max(magnitudes[a], magnitudes[b]);
+  }
+
+  void addGoals() {
+    for (int n = pick(4); n > 0; --n) m.constrain(boolean());
+    m.minimize(integer());
+    for (int n = pick(3); n > 0; --n) m.maximize(number());
+  }
+
+  test::TestModel& m;
+  std::mt19937 random;
+  bool computesBounds;
+  std::vector<OXExpression*> booleans;
+  std::vector<OXExpression*> integers;
+  std::vector<OXExpression*> doubles;
+  std::map<OXExpression*, std::int64_t> magnitudes;
+};
+
+void setDecisions(OXModel& model, unsigned assignment) {
+  for (int i = 0; i < model.getNbDecisions(); ++i) {
+    model.getDecision(i)->setValue(static_cast<int>((assignment >> i) & 1U));
+  }
+}
+
+bool holdsAllConstraints(OXModel& model) {
+  for (int i = 0; i < model.getNbConstraints(); ++i) {
+    if (model.getConstraint(i)->getIntValue() == 0) return false;
+  }
+  return true;
+}
+
+/// Compares both sides on assignments of the decisions.
+class Comparison {
+public:
+  /// The graph is exact unless passes drew conclusions from the constraints: these hold only where
+  /// the constraints do.
+  Comparison(test::TestModel& closedModel, bool isExactGraph)
+      : m(closedModel), isExact(isExactGraph), fields(m.builder().getFixedFields()) {
+    if (m.builder().isInconsistent()) return;
+    dag = std::make_unique<Dag>(fields);
+    heuristic = std::make_unique<Heuristic>(*dag, &rng);
+  }
+
+  void check(unsigned assignment) {
+    setDecisions(m.model(), assignment);
+    const bool isFeasible = holdsAllConstraints(m.model());
+    if (m.builder().isInconsistent()) {
+      EXPECT_FALSE(isFeasible) << "a model with a solution is called inconsistent";
+      return;
+    }
+    const std::vector<OXValue> objectives = publicObjectives();
+    load();
+    if (isFeasible) {
+      EXPECT_EQ(heuristic->bestSolution.nbViolated, 0);
+      checkObjectives(objectives);
+    }
+    takeKernelDecisions();
+    EXPECT_EQ(heuristic->bestSolution.nbViolated == 0, holdsAllConstraints(m.model()));
+    if (isExact || holdsAllConstraints(m.model())) checkNodes();
+    dag->check();
+  }
+
+private:
+  OXValue publicValue(OXExpression* e) {
+    return e->isDouble() ? OXValue::ofDouble(e->getDoubleValue())
+                         : OXValue::ofInt(e->getIntValue());
+  }
+  std::vector<OXValue> publicObjectives() {
+    std::vector<OXValue> all;
+    for (int i = 0; i < m.model().getNbObjectives(); ++i) {
+      all.push_back(publicValue(m.model().getObjective(i)));
+    }
+    return all;
+  }
+  void load() {
+    m.builder().loadDecisions(SolverRecord::values(SolverRecord::solution(m.solver)), *heuristic);
+  }
+
+  void checkNode(std::uint32_t node, OXExpression* e, OXValue expected) {
+    const OXValue actual = dag->values[node];
+    if (e->isDouble()) {
+      const double value = doubleValue(fields.domains[node], actual);
+      const double slack = 1e-5 * (1 + std::fabs(expected.doubleValue));
+      EXPECT_NEAR(value, expected.doubleValue, slack) << e->toString();
+    } else {
+      EXPECT_EQ(actual.intValue, expected.intValue) << e->toString();
+    }
+  }
+  void checkObjectives(const std::vector<OXValue>& expected) {
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+      checkNode(fields.objectives[i], m.model().getObjective(static_cast<int>(i)), expected[i]);
+    }
+  }
+  /// The decisions as the kernel holds them, those proved constant included.
+  void takeKernelDecisions() {
+    m.builder().storeSolution(*heuristic, SolverRecord::solution(m.solver));
+    for (int i = 0; i < m.model().getNbDecisions(); ++i) {
+      OXExpression* decision = m.model().getDecision(i);
+      decision->setValue(decision->getIntValue());
+    }
+  }
+  void checkNodes() {
+    checkObjectives(publicObjectives());
+    for (int i = 0; i < m.model().getNbExpressions(); ++i) {
+      OXExpression* e = m.model().getExpression(i);
+      if (!e->isArray() && m.nodeOf(e) != kNone) checkNode(m.nodeOf(e), e, publicValue(e));
+    }
+  }
+
+  test::TestModel& m;
+  bool isExact;
+  const DagFixedFields& fields;
+  std::uint32_t rng = 1;
+  std::unique_ptr<Dag> dag;
+  std::unique_ptr<Heuristic> heuristic;
+};
+
+void closeRandomModel(test::TestModel& m, unsigned seed, bool isForPasses, bool isPreprocessed) {
+  RandomModel model(m, seed, isForPasses);
+  m.set("preprocessingEnabled", isPreprocessed ? 1 : 0);
+  m.close();
+}
+
+/// Whether some assignment satisfies all constraints of the model as it is.
+bool hasSolution(unsigned seed) {
+  test::TestModel m;
+  closeRandomModel(m, seed, true, false);
+  for (unsigned a = 0; a < 1U << m.model().getNbDecisions(); ++a) {
+    setDecisions(m.model(), a);
+    if (holdsAllConstraints(m.model())) return true;
+  }
+  return false;
+}
+
+void compareAll(unsigned seed, bool isPreprocessed) {
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  test::TestModel m;
+  closeRandomModel(m, seed, isPreprocessed, isPreprocessed);
+  Comparison comparison(m, !isPreprocessed);
+  for (unsigned a = 0; a < 1U << m.model().getNbDecisions(); ++a) {
+    comparison.check(a);
+    if (testing::Test::HasFailure()) FAIL() << "assignment " << a;
+  }
+}
+
+TEST(Transformation, TheGraphOfAModelAsItIsAgreesWithTheModel) {
+  for (unsigned seed = 1; seed <= 2000 && !testing::Test::HasFailure(); ++seed) {
+    compareAll(seed, false);
+  }
+}
+
+/// Contradicting constraints may prove anything, so models without solution are passed over.
+TEST(Transformation, TheGraphOfAPreprocessedModelAgreesWithTheModel) {
+  for (unsigned seed = 1; seed <= 2000 && !testing::Test::HasFailure(); ++seed) {
+    if (hasSolution(seed)) compareAll(seed, true);
+  }
+}
+
+}  // namespace
+}  // namespace ombrix
