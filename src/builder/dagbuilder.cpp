@@ -4,8 +4,11 @@
 
 #include "builder/modelrecord.h"
 #include "builder/preprocessor/boundscalculator.h"
+#include "builder/preprocessor/boundsinferrer.h"
+#include "builder/preprocessor/constantfinder.h"
 #include "builder/preprocessor/nodecreator.h"
 #include "builder/preprocessor/preprocessor.h"
+#include "builder/preprocessor/unaryfinder.h"
 #include "builder/solverrecord.h"
 #include "common/failure.h"
 #include "solver/kernel/clock.h"
@@ -24,6 +27,9 @@ void runPasses(Preprocessor& preprocessor) {
   const OXModel& model = *preprocessor.model;
   if (!isEnabled(model, "preprocessingEnabled")) return;
   if (isEnabled(model, "computeBoundsEnabled")) BoundsCalculator(preprocessor).run();
+  if (isEnabled(model, "inferBoundsEnabled")) BoundsInferrer(preprocessor).run();
+  if (isEnabled(model, "findConstantsEnabled")) ConstantFinder(preprocessor).run();
+  if (isEnabled(model, "findUnariesEnabled")) UnaryFinder(preprocessor).run();
 }
 
 std::size_t indexOf(const OXExpression& e) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/failures.h"
+#include "support/passmodel.h"
 
 namespace ombrix {
 namespace {
@@ -279,6 +280,128 @@ TEST_F(EvaluatorToolsTest, ListsWithDifferentSourcesDiffer) {
   const SingleListEvaluatorIterator a(kIntType, values.data(), 0);
   const SingleListEvaluatorIterator b(kIntType, others.data(), 0);
   EXPECT_FALSE(a.equals(b));
+}
+
+/// Evaluates an expression over leaves whose values stand in their lower bounds.
+class ExpressionEvaluationTest : public testing::Test {
+protected:
+  void SetUp() override { errno = 0; }
+
+  OXExpression* integer(std::int64_t value) { return model.integer(value, value); }
+  OXExpression* real(double value) { return model.real(value, value); }
+  OXExpression* at(const std::vector<OXExpression*>& elements, std::int64_t index) {
+    return model.make(OXOperator::At, {model.array(elements), integer(index)});
+  }
+  OXExpression* scalar(const std::vector<OXExpression*>& a, const std::vector<OXExpression*>& b) {
+    return model.make(OXOperator::Scalar, {model.array(a), model.array(b)});
+  }
+  const OXValue* values() { return model.start().lowerBounds.data(); }
+  OXTypedValue evaluate(const OXExpression* e) {
+    const OXValue* all = values();
+    return EvaluatorTools::evaluate(ModelRecord::op(*e),
+                                    ExpressionEvaluatorIterator::begin(all, *e),
+                                    ExpressionEvaluatorIterator::end(all, *e));
+  }
+
+  test::PassModel model;
+};
+
+TEST_F(ExpressionEvaluationTest, OneDoubleOperandMakesTheArithmeticDouble) {
+  expectDouble(evaluate(model.make(OXOperator::Sum, {integer(2), real(0.5)})), 2.5);
+  expectDouble(evaluate(model.make(OXOperator::Prod, {integer(2), real(0.5)})), 1.0);
+  expectDouble(evaluate(model.make(OXOperator::Max, {integer(2), real(0.5)})), 2.0);
+  expectDouble(evaluate(model.make(OXOperator::Dist, {integer(2), real(0.5)})), 1.5);
+  expectDouble(evaluate(model.make(OXOperator::Div, {integer(1), real(0.0)})), kInf);
+  expectDouble(evaluate(model.make(OXOperator::Pow, {integer(2), real(0.5)})), std::sqrt(2.0));
+}
+
+TEST_F(ExpressionEvaluationTest, OperandsOfBothTypesCompareAsDoubles) {
+  expectBool(evaluate(model.make(OXOperator::Eq, {real(0.3), integer(0)})), false);
+  expectBool(evaluate(model.make(OXOperator::Eq, {real(1e-7), integer(0)})), true);
+  expectBool(evaluate(model.make(OXOperator::Gt, {integer(1), real(0.3)})), true);
+}
+
+TEST_F(ExpressionEvaluationTest, AConditionalConvertsItsIntegerBranch) {
+  const auto conditional = [this](std::int64_t condition) {
+    return evaluate(
+        model.make(OXOperator::Iif, {model.boolean(condition, condition), integer(3), real(0.5)}));
+  };
+  expectDouble(conditional(1), 3.0);
+  expectDouble(conditional(0), 0.5);
+}
+
+TEST_F(ExpressionEvaluationTest, AConditionalOfABooleanAndAnIntegerIsAnInteger) {
+  expectInt(
+      evaluate(model.make(OXOperator::Iif, {model.boolean(1, 1), model.boolean(1, 1), integer(7)})),
+      1);
+}
+
+TEST_F(ExpressionEvaluationTest, AnExpressionIteratorReadsTypesAndValues) {
+  const OXExpression* e = model.make(OXOperator::Sum, {integer(2), model.boolean(1, 1)});
+  const OXValue* all = values();
+  auto it = ExpressionEvaluatorIterator::begin(all, *e);
+  const auto end = ExpressionEvaluatorIterator::end(all, *e);
+  EXPECT_EQ(end.distance(it), 2);
+  EXPECT_EQ(it.getValueType(), kIntType);
+  EXPECT_EQ(it.getInt(), 2);
+  EXPECT_FALSE(it.isBoolValue());
+  EXPECT_EQ(it.advance().getValueType(), kBoolType);
+  EXPECT_TRUE(it.isBoolValue());
+  EXPECT_TRUE(it.isInt());
+  EXPECT_TRUE(it.advance().equals(end));
+}
+
+TEST_F(ExpressionEvaluationTest, AnElementIsReadAtItsIndex) {
+  const OXExpression* e = at({integer(7), integer(8)}, 1);
+  expectInt(EvaluatorTools::atEval(*e, values()), 8);
+}
+
+TEST_F(ExpressionEvaluationTest, AnIntegerElementOfADoubleArrayIsConverted) {
+  const OXExpression* first = at({integer(7), real(0.5)}, 0);
+  const OXExpression* second = at({integer(7), real(0.5)}, 1);
+  const OXValue* all = values();
+  expectDouble(EvaluatorTools::atEval(*first, all), 7.0);
+  expectDouble(EvaluatorTools::atEval(*second, all), 0.5);
+}
+
+TEST_F(ExpressionEvaluationTest, AnIndexOutsideTheArrayFails) {
+  for (const std::int64_t index : {std::int64_t{-1}, std::int64_t{2}, kIntMax, kIntMin}) {
+    const OXExpression* e = at({integer(7), integer(8)}, index);
+    const OXValue* all = values();
+    test::expectFailure(5, "EvaluatorTools::atEval",
+                        "Index out of bounds for " + e->toString() +
+                            " (index: " + std::to_string(index) + ", array size: 2).",
+                        [=] { EvaluatorTools::atEval(*e, all); });
+  }
+}
+
+TEST_F(ExpressionEvaluationTest, AScalarProductOfIntegersWraps) {
+  const OXExpression* e = scalar({integer(2), integer(3)}, {integer(5), integer(-1)});
+  const OXExpression* large = scalar({integer(kIntMax)}, {integer(2)});
+  const OXExpression* empty = scalar({}, {});
+  const OXValue* all = values();
+  expectInt(EvaluatorTools::scalarEval(*e, all), 7);
+  expectInt(EvaluatorTools::scalarEval(*large, all), -2);
+  expectInt(EvaluatorTools::scalarEval(*empty, all), 0);
+}
+
+TEST_F(ExpressionEvaluationTest, OneDoubleInEitherArrayMakesAScalarProductDouble) {
+  const OXExpression* left = scalar({integer(2), real(0.5)}, {integer(5), integer(4)});
+  const OXExpression* right = scalar({integer(2), integer(4)}, {integer(5), real(0.5)});
+  const OXValue* all = values();
+  expectDouble(EvaluatorTools::scalarEval(*left, all), 12.0);
+  expectDouble(EvaluatorTools::scalarEval(*right, all), 12.0);
+}
+
+TEST_F(ExpressionEvaluationTest, ArraysOfDifferentLengthsAreRefused) {
+  const OXExpression* longer = scalar({integer(1), integer(2)}, {integer(1)});
+  const OXExpression* shorter = scalar({}, {integer(1)});
+  const OXValue* all = values();
+  for (const OXExpression* e : {longer, shorter}) {
+    test::expectFailure(6, "EvaluatorTools::scalarEval",
+                        "Arrays for scalar operator must have the same number of elements",
+                        [=] { EvaluatorTools::scalarEval(*e, all); });
+  }
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/failures.h"
+#include "support/passmodel.h"
 
 namespace ombrix {
 namespace {
@@ -172,6 +173,94 @@ TEST(OperatorTools, WordsForTypes) {
     test::expectFailure(6, "OperatorTools::valueTypesToString", "Argument type not supported",
                         [=] { OperatorTools::valueTypesToString(types); });
   }
+}
+
+/// The type written into an operator over operands.
+class FixValueTypeTest : public testing::Test {
+protected:
+  ValueType typeOf(const char* name, const std::vector<OXExpression*>& operands) {
+    OXExpression* e = model.make(OperatorTools::stringToOperator(name), operands);
+    model.start();
+    return ModelRecord::valueType(*e);
+  }
+
+  test::PassModel model;
+  OXExpression* boolean = model.boolean();
+  OXExpression* integer = model.integer(0, 5);
+  OXExpression* real = model.real(0.0, 5.0);
+};
+
+TEST_F(FixValueTypeTest, LogicIsBooleanWhateverItCompares) {
+  for (const char* name : {"eq", "neq", "geq", "leq", "gt", "lt"}) {
+    EXPECT_EQ(typeOf(name, {real, integer}), kBoolType) << name;
+  }
+  for (const char* name : {"not", "and", "or", "xor"}) {
+    EXPECT_EQ(typeOf(name, {boolean}), kBoolType) << name;
+  }
+  EXPECT_EQ(typeOf("bool", {}), kBoolType);
+}
+
+TEST_F(FixValueTypeTest, ArithmeticIsDoubleAsSoonAsAnOperandIs) {
+  for (const char* name : {"sum", "prod", "max", "min"}) {
+    EXPECT_EQ(typeOf(name, {boolean, boolean}), kIntType) << name;
+    EXPECT_EQ(typeOf(name, {boolean, integer, real}), kDoubleType) << name;
+  }
+  for (const char* name : {"dist", "div"}) {
+    EXPECT_EQ(typeOf(name, {boolean, integer}), kIntType) << name;
+    EXPECT_EQ(typeOf(name, {integer, real}), kDoubleType) << name;
+  }
+  EXPECT_EQ(typeOf("abs", {boolean}), kIntType);
+  EXPECT_EQ(typeOf("abs", {real}), kDoubleType);
+}
+
+TEST_F(FixValueTypeTest, AConstantKeepsTheTypeItWasMadeWith) {
+  OXExpression* half = model.constant(0.5);
+  OXExpression* seven = model.constant(std::int64_t{7});
+  OXExpression* one = model.constant(std::int64_t{1});
+  for (OXExpression* constant : {half, seven, one}) OperatorTools::fixValueType(*constant);
+  EXPECT_EQ(ModelRecord::valueType(*half), kDoubleType);
+  EXPECT_EQ(ModelRecord::valueType(*seven), kIntType);
+  EXPECT_EQ(ModelRecord::valueType(*one), kBoolType);
+}
+
+TEST_F(FixValueTypeTest, AConditionalGoesByItsBranches) {
+  EXPECT_EQ(typeOf("iif", {boolean, boolean, boolean}), kBoolType);
+  EXPECT_EQ(typeOf("iif", {boolean, boolean, integer}), kIntType);
+  EXPECT_EQ(typeOf("iif", {boolean, integer, boolean}), kIntType);
+  EXPECT_EQ(typeOf("iif", {boolean, real, integer}), kDoubleType);
+  EXPECT_EQ(typeOf("iif", {boolean, boolean, real}), kDoubleType);
+}
+
+TEST_F(FixValueTypeTest, RemaindersAndRoundingAreIntegers) {
+  EXPECT_EQ(typeOf("mod", {integer, boolean}), kIntType);
+  for (const char* name : {"ceil", "floor", "round"}) EXPECT_EQ(typeOf(name, {real}), kIntType);
+}
+
+TEST_F(FixValueTypeTest, FunctionsAreDoubles) {
+  for (const char* name : {"sqrt", "log", "exp", "cos", "sin", "tan"}) {
+    EXPECT_EQ(typeOf(name, {boolean}), kDoubleType) << name;
+  }
+  EXPECT_EQ(typeOf("pow", {integer, integer}), kDoubleType);
+}
+
+TEST_F(FixValueTypeTest, AnElementIsADoubleWhenAnyElementIs) {
+  EXPECT_EQ(typeOf("array", {}), kArrayType);
+  EXPECT_EQ(typeOf("at", {model.array({boolean, boolean}), integer}), kIntType);
+  EXPECT_EQ(typeOf("at", {model.array({boolean, real}), integer}), kDoubleType);
+}
+
+TEST_F(FixValueTypeTest, AScalarProductIsADoubleWhenAnyElementOfEitherArrayIs) {
+  OXExpression* integers = model.array({boolean, integer});
+  OXExpression* reals = model.array({integer, real});
+  EXPECT_EQ(typeOf("scalar", {integers, integers}), kIntType);
+  EXPECT_EQ(typeOf("scalar", {integers, reals}), kDoubleType);
+  EXPECT_EQ(typeOf("scalar", {reals, integers}), kDoubleType);
+}
+
+TEST_F(FixValueTypeTest, ANumberThatIsNoOperatorIsRefused) {
+  OXExpression* e = ModelRecord::createRecord(model.getModel(), op(40));
+  test::expectFailure(6, "OperatorTools::fixValueType", "ValueType not supported",
+                      [e] { OperatorTools::fixValueType(*e); });
 }
 
 }  // namespace
