@@ -94,5 +94,15 @@ TEST_F(OXSolutionStatusTest, TheStatusOfASearchStandsThoughADecisionWasSetBefore
   EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Optimal);
 }
 
+TEST_F(OXSolutionStatusTest, AnInconsistentModelIsSoWhateverTheDecisions) {
+  OXExpression* x = boolean();
+  model.addConstraint(constant(0));
+  minimize(x);
+  OXSolution& solution = close();
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Inconsistent);
+  solution.setIntValue(x, 1);
+  EXPECT_EQ(solution.getStatus(), OXSolutionStatus::Inconsistent);
+}
+
 }  // namespace
 }  // namespace ombrix
