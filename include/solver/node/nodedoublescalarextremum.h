@@ -1,6 +1,7 @@
 #ifndef OMBRIX_SOLVER_NODE_NODEDOUBLESCALAREXTREMUM_H
 #define OMBRIX_SOLVER_NODE_NODEDOUBLESCALAREXTREMUM_H
 
+#include <algorithm>
 #include <cmath>
 #include <iostream>
 
@@ -15,9 +16,9 @@ namespace ombrix {
 
 /// The smallest (or, in the mirror, the largest) of double terms. Equality with the value is no
 /// meaningful test here, so one position bears witness to it, where the integer form counts its
-/// supports; the candidates are the positions whose term could pass the value. A move that leaves
-/// the witness alone, or brings a term to the value or past it, costs O(k) for k changed operands;
-/// otherwise all are read again.
+/// supports; the candidates are the positions whose term could pass the value. An evaluation that
+/// leaves the witness alone, or brings a term to the value or past it, costs O(k) for k changed
+/// operands; otherwise all are read again.
 ///
 /// "Beyond" means smaller for a minimum and larger for a maximum. Sense tells the direction, the
 /// labels and the names in failures.
@@ -146,19 +147,45 @@ private:
     double best = Sense::kWorst;
     for (std::uint32_t i = 0; i < operands.nbOperands; ++i)
       takeSupport(i, operands.tValue(i) * coefficients[i], best);
+    isSupportLast = true;
+  }
+
+  /// After a move beyond the old value the terms that reach the new one all changed. The set may
+  /// hold them in any order, so the witness need not be the last position.
+  void supportAmongModified(const DoubleOperandView& operands, const Selector& coefficients) {
+    double best = Sense::kWorst;
+    std::uint32_t lastPosition = 0;
+    modified.forEach(operands.nbOperands, [&](std::uint32_t i) {
+      const double term = operands.tValue(i) * coefficients[i];
+      if (Sense::isBeyond(best, term)) return;
+      lastPosition = term == best ? std::max(lastPosition, i) : i;
+      takeSupport(i, term, best);
+    });
+    isSupportLast = supportNodePos == lastPosition;
+  }
+
+  /// For a value that stays: if the witness still stands and was the last of its equals, only a
+  /// changed term can come behind it. This gives what a walk over all positions would.
+  void supportBehind(const DoubleOperandView& operands, const Selector& coefficients,
+                     double value) {
+    modified.forEach(operands.nbOperands, [&](std::uint32_t i) {
+      if (i > supportNodePos && operands.tValue(i) * coefficients[i] == value) supportNodePos = i;
+    });
   }
 
   void commitSupport(const Dag& dag, std::uint32_t id) {
     const DoubleOperandView operands(dag, id);
     const Selector coefficients(dag, id);
-    if (!Sense::isBeyond(dag.tValues[id].doubleValue, dag.values[id].doubleValue)) {
+    const double oldValue = dag.values[id].doubleValue;
+    const double value = dag.tValues[id].doubleValue;
+    if (Sense::isBeyond(value, oldValue)) {
+      supportAmongModified(operands, coefficients);
+    } else if (value == oldValue && isSupportLast &&
+               operands.tValue(supportNodePos) * coefficients[supportNodePos] == value) {
+      supportBehind(operands, coefficients, value);
+    } else {
       supportAmongAll(operands, coefficients);
-      return;
     }
-    double best = Sense::kWorst;
-    modified.forEach(operands.nbOperands, [&](std::uint32_t i) {
-      takeSupport(i, operands.tValue(i) * coefficients[i], best);
-    });
   }
 
   void commitCandidates(const Dag& dag, std::uint32_t id) {
@@ -211,6 +238,7 @@ private:
   }
 
   S candidates;
+  bool isSupportLast = true;         ///< no position behind the witness has an equal term
   std::uint32_t supportNodePos = 0;  ///< the position of a term equal to the committed value
 };
 

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -361,6 +364,53 @@ TEST_F(NodeDoubleAggregateTest, OfEqualTermsTheLastIsTheSupport) {
   accept({{0, 9}, {1, 8}, {2, 8}, {3, 9}});  // a rise: the last among all
   EXPECT_NE(dump().find("supportNodePos=2\n"), std::string::npos) << dump();
 }
+
+/// Random moves among few distinct values, so that equal terms abound. The support that each move
+/// should leave follows from a walk over all positions, or over the changed ones in the order in
+/// which the set holds them.
+class SupportWalkTest : public NodeDoubleAggregateTest,
+                        public testing::WithParamInterface<std::uint32_t> {
+protected:
+  std::uint32_t support() const {
+    const std::string label = "supportNodePos=";
+    const std::string text = dump();
+    return static_cast<std::uint32_t>(std::stoul(text.substr(text.find(label) + label.size())));
+  }
+  std::uint32_t lastSmallest(const std::vector<std::uint32_t>& positions) const {
+    std::uint32_t best = positions.front();
+    for (const std::uint32_t i : positions) {
+      if (term(i) <= term(best)) best = i;
+    }
+    return best;
+  }
+  double term(std::uint32_t i) const { return dag->values[decisions[i]].doubleValue; }
+};
+
+TEST_P(SupportWalkTest, TheSupportIsTheLastOfEqualTermsInItsWalk) {
+  const std::uint32_t n = GetParam();
+  makeFloats(NodeType::DoubleMin, std::vector<double>(n, 5.0));
+  std::vector<std::uint32_t> all(n);
+  std::iota(all.begin(), all.end(), 0);
+  std::uint32_t state = n;
+  for (int move = 0; move < 200; ++move) {
+    std::vector<std::uint32_t> changed;
+    for (std::uint32_t k = randomIndex(state, 4) + 1; k > 0; --k) {
+      const std::uint32_t i = move % 9 == 0 ? lastSmallest(all) : randomIndex(state, n);
+      const double wanted = move % 9 == 0 ? 5.0 : 2.0 + randomIndex(state, 4);
+      if (std::find(changed.begin(), changed.end(), i) != changed.end() || term(i) == wanted)
+        continue;
+      dag->propagation.setValue(*dag, decisions[i], wanted);
+      changed.push_back(i);
+    }
+    if (n <= 1024) std::sort(changed.begin(), changed.end());
+    const double before = value();
+    dag->propagation.accept(*dag);
+    ASSERT_EQ(support(), lastSmallest(value() < before ? changed : all)) << "move " << move;
+    ASSERT_TRUE(isConsistent());
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Widths, SupportWalkTest, testing::Values(1, 5, 20, 100, 1100));
 
 TEST_F(NodeDoubleAggregateTest, ExtremaRefuseInfiniteTerms) {
   const std::vector<std::pair<NodeType, std::string>> extrema = {
