@@ -157,6 +157,22 @@ TEST_F(ConstraintAnalysisTest, AChainHasAnExitWithoutConstrainedListsOrThroughAF
   }
 }
 
+TEST_F(ConstraintAnalysisTest, ListsWithDoublesComeLastAndAreNeitherFreeNorConstrained) {
+  const auto x = builder.booleans(3);
+  const auto y = builder.floating(0, 1);
+  const auto mixed = builder.doubleNode(NodeType::DoubleScalarSum, {x[0], y, x[1]}, {1, 2, 3});
+  const auto boolean = builder.doubleNode(NodeType::DoubleSum, {x[0], x[2]});
+  const auto analysis = analyse();
+  EXPECT_EQ(analysis.booleanLists, (Numbers{boolean}));
+  EXPECT_EQ(analysis.floatLists, (Numbers{mixed, boolean}));
+  EXPECT_EQ(listsOf(analysis, x[0]), (Numbers{boolean, mixed})) << "a boolean list counts once";
+  EXPECT_EQ(analysis.nbConstrained(x[0]), 1u);
+  EXPECT_EQ(listsOf(analysis, y), (Numbers{mixed}));
+  EXPECT_EQ(positionsOf(analysis, y), (Numbers{1}));
+  EXPECT_EQ(analysis.freeDecisions, (Numbers{x[2]}));
+  EXPECT_EQ(analysis.swapDecisions, x);
+}
+
 TEST_F(ConstraintAnalysisTest, AModelWithoutDecisionsHasNothing) {
   const auto analysis = analyse();
   EXPECT_TRUE(analysis.lists.empty());

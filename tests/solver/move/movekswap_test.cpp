@@ -150,6 +150,21 @@ TEST_F(MoveKSwapTest, AMissingPartnerLeavesASingleFlip) {
   EXPECT_EQ(graph.changed(), Decisions{x[0]}) << "no operand is at 1";
 }
 
+TEST_F(MoveKSwapTest, ADoubleIsNoPartner) {
+  auto& builder = graph.builder;
+  builder.boolean();
+  x = builder.booleans(2);
+  const auto y = builder.floating(0, 1);
+  builder.doubleNode(NodeType::DoubleSum, {x[0], y});
+  builder.doubleNode(NodeType::DoubleSum, {x[1], y});
+  builder.maximise(x[0]);
+  graph.start();
+  test::setAndAccept(*graph.dag, y, 0.5);
+  auto move = make(1, 100);
+  ASSERT_TRUE(move.apply());
+  EXPECT_EQ(graph.changed(), Decisions{x[0]});
+}
+
 TEST_F(MoveKSwapTest, NeedsTwoCandidatesForEachPair) {
   build();
   start();

@@ -208,6 +208,15 @@ TEST_F(PoolFillerTest, ComparisonsOfDoublesBringTheirMove) {
   EXPECT_EQ(fill({}, {comparison}), "1-FloatSimpleFlip*1 Tight*1");
 }
 
+TEST_F(PoolFillerTest, ComparisonsAndListsOfDoublesBringTheirMoves) {
+  auto& builder = graph.builder;
+  const auto a = builder.floating(0, 1);
+  const auto b = builder.floating(0, 1);
+  const auto sum = builder.doubleNode(NodeType::DoubleSum, {a, b});
+  const auto comparison = builder.node(NodeType::DoubleLeq, {sum, builder.doubleConstant(1)});
+  EXPECT_EQ(fill({}, {comparison}), "1-FloatSimpleFlip*1 Tight*1 FloatBalance*1");
+}
+
 TEST_F(PoolFillerTest, AModelWithoutBooleansAndDoublesGetsTheSimpleFlip) {
   graph.builder.integer();
   EXPECT_EQ(fill({}), "1-SimpleFlip*1");
