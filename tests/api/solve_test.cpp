@@ -275,6 +275,34 @@ TEST_F(SolveTest, TheObserverSeesEachSynchronisationWithTheSolutionRefreshed) {
   for (OXState state : seen.states) EXPECT_EQ(state, OXState::Paused);
 }
 
+TEST_F(SolveTest, ASecondCallHasWhatTheFirstLeftOfTheTimeLimit) {
+  test::buildKnapsack(*solver.getModel(), 100);
+  close();
+  solver.createPhase()->setTimeLimit(1);
+  solver.solve();
+  EXPECT_GE(solver.getStatistics()->getRunningTime(), 1);
+  EXPECT_GT(solver.getStatistics()->getNbMoves(), 0);
+  solver.solve();
+  EXPECT_EQ(solver.getStatistics()->getNbMoves(), 0) << "the limit was used up";
+}
+
+/// A sum of two decisions that must be at least 3.
+void buildInconsistent(OXModel& model) {
+  OXExpression* sum = test::createSum(model, test::createDecisions(model, 2));
+  model.addConstraint(model.createExpression(OXOperator::Geq, sum, model.createConstant(3)));
+  model.addObjective(sum, OXObjectiveDirection::Minimize);
+}
+
+TEST_F(SolveTest, AnInconsistentModelStartsNoSearch) {
+  buildInconsistent(*solver.getModel());
+  close();
+  solver.solve();
+  EXPECT_EQ(solver.getState(), OXState::Stopped);
+  EXPECT_EQ(status(), OXSolutionStatus::Inconsistent);
+  EXPECT_EQ(solver.getNbPhases(), 1) << "the default phase is created all the same";
+  test::expectFailure(kMisuse, "Ombrix::getInfo", kStarted, [&] { solver.getInfo(); });
+}
+
 // The display.
 
 /// A model whose search ends at its first test, so that its display holds no time and no count.
@@ -375,6 +403,14 @@ TEST_F(DisplayTest, ShowsViolatedEqualitiesBeforeAllViolatedConstraints) {
   addPhase(500);
   const std::string text = capture([&] { solver.solve(); });
   EXPECT_NE(text.find("\nInfeasible solution: infeas = (1, 1)\n\n"), std::string::npos) << text;
+}
+
+TEST_F(DisplayTest, OfAnInconsistentModelSaysSo) {
+  buildInconsistent(*solver.getModel());
+  solver.getModel()->close();
+  solver.createPhase();
+  EXPECT_EQ(capture([&] { solver.solve(); }),
+            "\n" + solver.toString() + "\nInconsistent model.\n\n");
 }
 
 TEST_F(DisplayTest, ShowsEveryObjectiveInTheFormOfItsType) {

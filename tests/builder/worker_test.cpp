@@ -70,6 +70,55 @@ TEST_F(WorkerTest, AnObjectiveWithoutBoundHasTheUnreachableOne) {
             std::numeric_limits<std::int64_t>::max());
 }
 
+TEST_F(WorkerTest, ReadsTheAnnealingLevelAgain) {
+  closeKnapsack();
+  Worker worker(solver);
+  const auto& annealing =
+      dynamic_cast<const AnnealingStrategy&>(*worker.heuristic->strategies.back());
+  EXPECT_EQ(annealing.windowSize, 2u);
+  solver.getParam()->setAnnealingLevel(6);
+  worker.readParameters();
+  EXPECT_EQ(annealing.windowSize, 7u);
+}
+
+/// A double objective that the transformation replaces by an integer sum, since the condition of
+/// its "iif" must be true.
+class IntegralNodeOfDoubleObjective : public WorkerTest {
+protected:
+  std::int64_t boundOf(OXObjectiveDirection direction, double bound) {
+    OXModel& model = *solver.getModel();
+    const auto x = test::createDecisions(model, 3);
+    model.addConstraint(x[0]);
+    OXExpression* sum = test::createSum(model, {x[1], x[2]});
+    model.addObjective(
+        model.createExpression(OXOperator::Iif, x[0], sum, model.createConstant(2.5)), direction);
+    model.close();
+    solver.getParam()->setObjectiveBound(0, bound);
+    const Worker worker(solver);
+    const DagFixedFields& fields = *worker.dag->fixedFields;
+    EXPECT_NE(fields.domains[fields.objectives[0]], kDoubleDomain);
+    return worker.heuristic->objectiveBounds[0].intValue;
+  }
+};
+
+TEST_F(IntegralNodeOfDoubleObjective, ReachesItsBoundAtTheNextIntegerAboveWhenMaximised) {
+  EXPECT_EQ(boundOf(OXObjectiveDirection::Maximize, 1.5), 2);
+}
+
+TEST_F(IntegralNodeOfDoubleObjective, ReachesItsBoundAtTheNextIntegerBelowWhenMinimised) {
+  EXPECT_EQ(boundOf(OXObjectiveDirection::Minimize, 1.5), 1);
+}
+
+TEST_F(IntegralNodeOfDoubleObjective, HasNoBoundAboveAllIntegers) {
+  EXPECT_EQ(boundOf(OXObjectiveDirection::Maximize, std::numeric_limits<double>::infinity()),
+            std::numeric_limits<std::int64_t>::max());
+}
+
+TEST_F(IntegralNodeOfDoubleObjective, HasNoBoundBelowAllIntegers) {
+  EXPECT_EQ(boundOf(OXObjectiveDirection::Minimize, -std::numeric_limits<double>::infinity()),
+            std::numeric_limits<std::int64_t>::min());
+}
+
 TEST_F(WorkerTest, ANeighborhoodSizeOf0LeavesTheSimpleFlip) {
   solver.getParam()->setAdvancedParam("neighborhoodSize", 0);
   closeKnapsack();
