@@ -103,11 +103,11 @@ private:
     switch (pick(11)) {
       case 0:
       case 1:
-        return addSum();
+        return addSum(false);
       case 2:
-        return addProduct();
+        return addProduct(false);
       case 3:
-        return addExtreme();
+        return addExtreme(false);
       case 4: {
         OXExpression* a = integer();
         OXExpression* b = integer();
@@ -136,14 +136,23 @@ private:
       case 9:
         return addAt();
       default:
-        return addScalar();
+        return addScalar(false);
     }
   }
 
   void addDoubleExpression() {
     OXExpression* a = number();
     OXExpression* b = real();
-    switch (pick(9)) {
+    switch (pick(14)) {
+      case 9:
+      case 10:
+        return addSum(true);
+      case 11:
+        return addProduct(true);
+      case 12:
+        return addExtreme(true);
+      case 13:
+        return addScalar(true);
       case 0:
         return addDouble(m.make(OXOperator::Sqrt, m.make(OXOperator::Abs, a)), magnitudes[a] + 1);
       case 1:
@@ -174,9 +183,9 @@ private:
 
   /// An operand of an operator; sometimes one of the same kind that nothing else uses, which the
   /// transformation opens.
-  OXExpression* operandOf(OXOperator op) {
-    if (pick(4) != 0) return integer();
-    OXExpression* a = integer();
+  OXExpression* operandOf(OXOperator op, bool isReal) {
+    if (pick(4) != 0) return isReal ? number() : integer();
+    OXExpression* a = isReal ? number() : integer();
     OXExpression* b = integer();
     OXExpression* e = m.make(op, a, b);
     magnitudes[e] =
@@ -184,51 +193,67 @@ private:
     return e;
   }
 
-  void addSum() {
+  /// From -3 to 3, in halves for doubles.
+  OXExpression* coefficient(bool isReal) {
+    return isReal && pick(2) == 0 ? m.constant((pick(13) - 6) / 2.0) : m.constant(pick(7) - 3);
+  }
+  /// A double aggregate has at least one operand that is a double.
+  void add(OXExpression* e, std::int64_t magnitude, bool isReal) {
+    if (isReal) {
+      OXExpression* last = real();
+      e->addOperand(last);
+      const bool isProduct = e->getOperator() == OXOperator::Prod;
+      addDouble(e, isProduct ? magnitude * magnitudes[last] : magnitude + magnitudes[last]);
+    } else {
+      addInteger(e, magnitude);
+    }
+  }
+
+  void addSum(bool isReal) {
     OXExpression* e = m.model().createExpression(OXOperator::Sum);
     std::int64_t magnitude = 0;
     for (int n = 1 + pick(5); n > 0; --n) {
-      OXExpression* term = operandOf(OXOperator::Sum);
+      OXExpression* term = operandOf(OXOperator::Sum, isReal);
       magnitude += 3 * magnitudes[term];
       switch (pick(4)) {
         case 0:
-          e->addOperand(m.make(OXOperator::Prod, pick(7) - 3, term));
+          e->addOperand(m.make(OXOperator::Prod, coefficient(isReal), term));
           break;
         case 1:
           magnitude += 3;
-          e->addOperand(m.make(OXOperator::Iif, boolean(), pick(7) - 3, 0));
+          e->addOperand(m.make(OXOperator::Iif, boolean(), coefficient(isReal), 0));
           break;
         default:
           e->addOperand(term);
       }
     }
-    addInteger(e, magnitude);
+    add(e, magnitude, isReal);
   }
 
-  void addProduct() {
+  void addProduct(bool isReal) {
     OXExpression* e = m.model().createExpression(OXOperator::Prod);
     std::int64_t magnitude = 1;
     for (int n = 1 + pick(4); n > 0; --n) {
-      OXExpression* factor = operandOf(OXOperator::Prod);
+      OXExpression* factor = operandOf(OXOperator::Prod, isReal);
       if (magnitude * magnitudes[factor] > kMaxMagnitude) continue;
       magnitude *= magnitudes[factor];
       e->addOperand(factor);
     }
     if (e->getNbOperands() == 0) e->addOperand(2);
-    addInteger(e, std::max<std::int64_t>(magnitude, 2));
+    add(e, std::max<std::int64_t>(magnitude, 2), isReal);
   }
 
-  void addExtreme() {
+  void addExtreme(bool isReal) {
     const OXOperator op = pick(2) == 0 ? OXOperator::Max : OXOperator::Min;
     OXExpression* e = m.model().createExpression(op);
     std::int64_t magnitude = 0;
     for (int n = 1 + pick(4); n > 0; --n) {
-      OXExpression* term = operandOf(op);
+      OXExpression* term = operandOf(op, isReal);
       magnitude = std::max(magnitude, 3 * magnitudes[term]);
-      if (pick(3) == 0) term = m.make(OXOperator::Prod, pick(7) - 3, term);
+      if (pick(3) == 0) term = m.make(OXOperator::Prod, coefficient(isReal), term);
       e->addOperand(term);
     }
-    addInteger(e, magnitude);
+    add(e, magnitude, isReal);
   }
 
   OXExpression* atLeastTwo() {
@@ -258,20 +283,27 @@ private:
     return m.make(OXOperator::Abs, m.make(OXOperator::Mod, negative, n));
   }
 
-  void addScalar() {
+  void addScalar(bool isReal) {
     OXExpression* a = m.array();
     OXExpression* b = m.array();
     const int constantSide = pick(3);
     std::int64_t magnitude = 0;
     for (int n = pick(4); n > 0; --n) {
-      OXExpression* x = constantSide == 0 ? m.constant(pick(7) - 3) : integer();
-      OXExpression* y = constantSide == 1 ? m.constant(pick(7) - 3) : integer();
+      OXExpression* x = constantSide == 0 ? coefficient(isReal) : integer();
+      OXExpression* y = constantSide == 1 ? coefficient(isReal) : integer();
       a->addOperand(x);
       b->addOperand(y);
       magnitude +=
           std::max<std::int64_t>(magnitudes[x], 3) * std::max<std::int64_t>(magnitudes[y], 3);
     }
-    addInteger(m.make(OXOperator::Scalar, a, b), magnitude);
+    if (isReal) {
+      OXExpression* last = real();
+      a->addOperand(coefficient(true));
+      b->addOperand(last);
+      magnitude += 3 * magnitudes[last];
+    }
+    OXExpression* e = m.make(OXOperator::Scalar, a, b);
+    isReal ? addDouble(e, magnitude) : addInteger(e, magnitude);
   }
 
   std::int64_t larger(OXExpression* a, OXExpression* b) {
