@@ -55,6 +55,14 @@ struct OpbModel {
   OpbSum objective;
   bool hasObjective = false;
   bool isMaximized = false;
+
+  /// Lets go of everything but the names and the kind of objective, once a model has been built.
+  void releaseSums() {
+    literals = std::vector<OpbLiteral>();
+    terms = std::vector<OpbTerm>();
+    constraints = std::vector<OpbConstraint>();
+    objective = OpbSum();
+  }
 };
 
 }  // namespace ombrix::cli

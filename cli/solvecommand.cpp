@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <iostream>
 #include <optional>
-#include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/commentstream.h"
@@ -23,8 +23,9 @@ namespace {
 /// One run of the command, from the closing of the model to the last line of output.
 class SolveRun {
 public:
-  SolveRun(const CommandLine& asked, const OpbModel& read)
-      : line(asked), file(read), builder(file, *solver.getModel()) {
+  SolveRun(const CommandLine& asked, OpbModel read)
+      : line(asked), file(std::move(read)), builder(file, *solver.getModel()) {
+    file.releaseSums();
     if (line.solutionFile) solutionFile.emplace(*line.solutionFile);
   }
 
@@ -78,7 +79,7 @@ private:
   void searchForCompetition() {
     std::cout << "c Ombrix " << OXVersion::getVersion() << "\n"
               << "c " << line.model << ": " << file.names.size() << " variables, "
-              << file.constraints.size() << " constraints" << std::endl;
+              << solver.getModel()->getNbConstraints() << " constraints" << std::endl;
     CommentStream display(std::cout);
     if (!file.hasObjective) {
       search();
@@ -140,7 +141,7 @@ private:
   }
 
   const CommandLine& line;
-  const OpbModel& file;
+  OpbModel file;
   Ombrix solver;
   OpbModelBuilder builder;
   std::optional<SolutionFile> solutionFile;
@@ -151,8 +152,7 @@ private:
 }  // namespace
 
 int runSolve(const CommandLine& line) {
-  const OpbModel file = OpbReader::read(line.model);
-  return SolveRun(line, file).run();
+  return SolveRun(line, OpbReader::read(line.model)).run();
 }
 
 }  // namespace ombrix::cli
