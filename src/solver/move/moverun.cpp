@@ -14,11 +14,13 @@ std::pair<std::uint32_t, std::uint32_t> MoveRun::pickRun(std::uint32_t length) {
   const std::int64_t direction = randomTopBit(*rng) ? 1 : -1;
   const std::int64_t reach = static_cast<std::int64_t>(std::min(length, n)) - 1;
   const std::int64_t farEnd = std::clamp(first + reach * direction, begin, begin + n - 1);
+  // A length of 0 puts the far end behind the first row.
+  const std::int64_t step = farEnd < first ? -1 : 1;
   std::int64_t last = first;
-  for (std::int64_t i = first;; i += direction) {
+  for (std::int64_t i = first;; i += step) {
     const std::uint32_t row = rowAt(static_cast<std::uint32_t>(i));
     if (node(row).nbNotMinNodes(*dag, row) != 1) break;
-    if (i != first && sharesAnEnd(row, rowAt(static_cast<std::uint32_t>(i - direction)))) break;
+    if (i != first && sharesAnEnd(row, rowAt(static_cast<std::uint32_t>(i - step)))) break;
     last = i;
     if (i == farEnd) break;
   }

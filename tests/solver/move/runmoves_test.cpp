@@ -153,6 +153,14 @@ TEST_F(RunMovesTest, ASmallestLengthAboveTheLargestGivesTheLargest) {
   EXPECT_EQ(reachedBy(move, 1000), overAllRuns(3, mirrored));
 }
 
+TEST_F(RunMovesTest, ASmallestLengthOfZeroStaysWithinTheRows) {
+  build(6, 4);
+  auto move = make<MoveKMirror>(4u, 0u);
+  Neighbours expected;
+  for (const std::uint32_t length : {2u, 3u, 4u}) expected.merge(overAllRuns(length, mirrored));
+  EXPECT_EQ(reachedBy(move, 3000), expected);
+}
+
 // ---- roll
 
 TEST_F(RunMovesTest, ARollMovesTheContentsOn) {
