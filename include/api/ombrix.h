@@ -101,13 +101,29 @@ public:
   std::string getInfo() const;
 
   /// Writes model, phases, parameters and solution to a file, in the format that its name tells:
-  /// text (.oxm) or binary (.oxb), compressed if ".gz" follows. Not while Running. Code 0: the name
-  /// is empty. Code 1: the file cannot be written.
+  /// binary if it ends with ".oxb" or ".oxb.gz", text otherwise, compressed if it ends with ".gz".
+  /// An open model is written without phases, parameters and solution. Not while Running.
+  ///
+  /// Prefer binary: text writes a double with a whole value as an integer, changes names that hold
+  /// quotes, backslashes or line feeds, and a text file with an infinite bound may not be readable.
+  ///
+  /// Code 0: the name is empty. Code 1: the file cannot be opened. Code 6: the closing of the model
+  /// had failed on the way; open, repair and close it again. A failure while the solution is read
+  /// (a value that cannot be computed) passes through and leaves the file as far as it was written;
+  /// a disk that is full shows only as a short file.
   void saveEnvironment(const std::string& fileName) const;
 
-  /// Reads what saveEnvironment wrote and closes the model. Only in state Modeling. Code 0: the
-  /// name is empty. Code 1: the file cannot be read. Code 2: the model of this solver is not empty,
-  /// or the model read is not valid.
+  /// Reads what saveEnvironment wrote and closes the model, into a solver whose model is empty. The
+  /// form of the file, text or binary, compressed or not, is told by its content. The decisions
+  /// saved become the starting point of the next search; the status is not restored. Only in state
+  /// Modeling.
+  ///
+  /// A load that fails leaves what was read so far: part of the expressions, or a closed model with
+  /// part of the phases. Such a solver can only be destroyed or looked at: load into a fresh one.
+  ///
+  /// Code 0: the name is empty, or a phase, parameter or decision of the file is refused. Code 1:
+  /// the file cannot be read or is malformed. Code 2: the model of this solver is not empty, or the
+  /// model read is not valid. Code 6: a word of the file names no operator or number.
   void loadEnvironment(const std::string& fileName);
 
 private:

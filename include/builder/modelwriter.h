@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "api/oxsolutionstatus.h"
 #include "oxm/oxmwriter.h"
 
 namespace ombrix {
@@ -21,9 +22,12 @@ public:
   /// Chooses the encoding by the end of the name: ".oxb" and ".oxb.gz" are binary, all else is
   /// text;
   /// ".gz" is compressed.
-  ModelWriter(Ombrix& source, const std::string& fileName);
+  ModelWriter(const Ombrix& source, const std::string& fileName);
 
   void write();
+
+  /// The word for a status in a file; code 1 if there is none.
+  static const char* statusWord(OXSolutionStatus status);
 
 private:
   void writeInfo();
@@ -40,8 +44,8 @@ private:
   void writeSolution();
   void writeDecisions();
 
-  Ombrix& ombrix;
-  OXModel* model;
+  const Ombrix& ombrix;
+  const OXModel* model;
   std::unique_ptr<OXMWriter> writer;
 };
 

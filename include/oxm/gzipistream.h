@@ -38,7 +38,9 @@ public:
   [[noreturn]] static void failToRead();
 
 private:
-  static constexpr std::size_t kBlockSize = std::size_t{1} << 16;
+  // zlib inflates blocks of this size for readers of single characters. A larger one would let an
+  // error in compressed data swallow characters that stand before it.
+  static constexpr std::size_t kBlockSize = std::size_t{1} << 14;
 
   bool fill();
 

@@ -67,6 +67,8 @@ public:
   virtual void nextNil() = 0;
 
 protected:
+  /// No token remains and no character either; hasNext is also false for a word that means nothing.
+  virtual bool isAtEnd() = 0;
   /// The failure of a skip that meets the end of the input: nothing is read for ever.
   [[noreturn]] virtual void failAtEnd() = 0;
 };

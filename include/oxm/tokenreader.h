@@ -49,10 +49,13 @@ public:
   void nextNil() override;
 
 protected:
+  bool isAtEnd() override { return peek() == kNoToken && ended; }
+
   /// Compares the first seven bytes of the file with the magic; code 1 if they differ.
   void checkMagic(const char* magic, const char* function);
 
-  /// Reads the next token: sets kind, and the value or text that belongs to it.
+  /// Reads the next token: sets kind, and the value or text that belongs to it, or ended if there
+  /// is none.
   virtual void next() = 0;
   /// Raises the failure of a token of another kind than the word says.
   [[noreturn]] virtual void failType(const char* word) = 0;
@@ -63,6 +66,7 @@ protected:
 
   GzipIstream stream;
   bool peeked = false;  ///< the current token is read and not yet consumed
+  bool ended = false;   ///< the end of the input was met in place of a token
   int kind = kNoToken;
   std::int64_t intValue = 0;
   double doubleValue = 0.0;

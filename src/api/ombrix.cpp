@@ -4,6 +4,8 @@
 #include <sstream>
 
 #include "api/checks.h"
+#include "builder/modelreader.h"
+#include "builder/modelwriter.h"
 #include "builder/parallelizer.h"
 #include "builder/solverrecord.h"
 #include "builder/worker.h"
@@ -112,7 +114,7 @@ void Ombrix::saveEnvironment(const std::string& fileName) const {
   checks::notRunning(*this, where);
   if (fileName.empty()) fail(kMisuse, where, messages::emptyString("fileName"));
   checks::transformed(*this, where);
-  fail(kInternal, where, "Environment files are not part of this build.");
+  ModelWriter(*this, fileName).write();
 }
 
 void Ombrix::loadEnvironment(const std::string& fileName) {
@@ -123,7 +125,8 @@ void Ombrix::loadEnvironment(const std::string& fileName) {
     fail(kInvalidModel, where,
          "Cannot load the given environment. The current model must be empty.");
   }
-  fail(kInternal, where, "Environment files are not part of this build.");
+  ModelReader(*this, fileName).read();
+  if (!model->isClosed()) model->close();
 }
 
 }  // namespace ombrix

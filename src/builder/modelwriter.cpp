@@ -25,23 +25,9 @@ std::unique_ptr<OXMWriter> createWriter(const std::string& fileName) {
   return std::make_unique<TextWriter>(fileName, compress);
 }
 
-const char* statusWord(OXSolutionStatus status) {
-  switch (status) {
-    case OXSolutionStatus::Inconsistent:
-      return "inconsistent";
-    case OXSolutionStatus::Infeasible:
-      return "infeasible";
-    case OXSolutionStatus::Feasible:
-      return "feasible";
-    case OXSolutionStatus::Optimal:
-      return "optimal";
-  }
-  fail(kInputOutput, OMBRIX_HERE("ModelWriter::writeSolution"), "Solution status not supported");
-}
-
 }  // namespace
 
-ModelWriter::ModelWriter(Ombrix& source, const std::string& fileName)
+ModelWriter::ModelWriter(const Ombrix& source, const std::string& fileName)
     : ombrix(source), model(source.getModel()), writer(createWriter(fileName)) {}
 
 void ModelWriter::write() {
@@ -190,6 +176,20 @@ void ModelWriter::writeSolution() {
   writer->pushProperty("status", statusWord(ombrix.getSolution()->getStatus()));
   writeDecisions();
   writer->popMap();
+}
+
+const char* ModelWriter::statusWord(OXSolutionStatus status) {
+  switch (status) {
+    case OXSolutionStatus::Inconsistent:
+      return "inconsistent";
+    case OXSolutionStatus::Infeasible:
+      return "infeasible";
+    case OXSolutionStatus::Feasible:
+      return "feasible";
+    case OXSolutionStatus::Optimal:
+      return "optimal";
+  }
+  fail(kInputOutput, OMBRIX_HERE("ModelWriter::writeSolution"), "Solution status not supported");
 }
 
 void ModelWriter::writeDecisions() {

@@ -27,7 +27,8 @@ void BinaryReader::next() {
     readText();
     if (cache.size() < kMaxAddressableStrings) cache.push_back(text);
   }
-  if (byte == kEnd) return;
+  ended = byte == kEnd;
+  if (ended) return;
   tag = byte;
   kind = tag;
   switch (tag) {

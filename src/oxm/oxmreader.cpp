@@ -15,7 +15,7 @@ void OXMReader::skip() {
     } else if (depth > 0 && isProperty()) {
       nextProperty(name);
     } else {
-      if (!hasNext()) failAtEnd();
+      if (isAtEnd()) failAtEnd();
       nextValue();
     }
   } while (depth > 0);

@@ -58,7 +58,8 @@ void TextReader::next() {
   kind = kNoToken;
   int c = skipSpaces();
   while (c == ',') c = skipSpaces();
-  if (c == kEnd) return;
+  ended = c == kEnd;
+  if (ended) return;
   if (c == '"') {
     readString();
   } else if (c == '{') {
