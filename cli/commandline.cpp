@@ -15,12 +15,15 @@ namespace {
 
 constexpr const char* kDescription =
     "Ombrix searches good solutions of models over boolean decisions by local search.\n"
-    "MODEL is a pseudo-Boolean file in the OPB format, plain or gzip.";
+    "MODEL is a pseudo-Boolean file in the OPB format or an environment file in text (.oxm) or\n"
+    "binary (.oxb), plain or gzip; the content tells which.";
 
 constexpr const char* kMainFooter =
     "Examples:\n"
     "  ombrix solve examples/data/scp200x1000.opb --time 10\n"
     "  ombrix info examples/data/mkp5x100.opb\n"
+    "  ombrix convert examples/data/mkp5x100.opb mkp5x100.oxb.gz\n"
+    "  ombrix show mkp5x100.oxb.gz --limit 10\n"
     "  ombrix --version\n"
     "\n"
     "Exit status: 0 a feasible or optimal solution was found, 2 none was found,\n"
@@ -28,13 +31,30 @@ constexpr const char* kMainFooter =
 
 constexpr const char* kSolveFooter =
     "Without --time, --iterations or --phase the search runs until Ctrl-C. Ctrl-C and SIGTERM end\n"
-    "the search; the best solution found comes out as usual.\n"
+    "the search; the best solution found comes out as usual. Phases and parameters of an\n"
+    "environment file hold unless options are given; options for limits replace its phases.\n"
     "\n"
     "Examples:\n"
     "  ombrix solve model.opb --time 60 --threads 4 --solution best.txt\n"
     "  ombrix solve model.opb.gz --time 20 --output pb\n"
     "  ombrix solve model.opb --phase time=10,iterations=1000000 --phase time=50\n"
-    "  ombrix solve model.opb --iterations 1000000 --seed 7 --set syncIterations=10000";
+    "  ombrix solve model.opb --iterations 1000000 --seed 7 --set syncIterations=10000\n"
+    "  ombrix solve model.opb --time 60 --save state.oxb.gz\n"
+    "  ombrix solve state.oxb.gz";
+
+constexpr const char* kConvertFooter =
+    "The name of TARGET tells its form: binary if it ends with .oxb or .oxb.gz, text otherwise,\n"
+    "compressed if it ends with .gz. Binary keeps everything; text is for reading.\n"
+    "\n"
+    "Examples:\n"
+    "  ombrix convert model.opb model.oxb.gz\n"
+    "  ombrix convert model.oxb.gz model.oxm";
+
+constexpr const char* kShowFooter =
+    "Expressions without a name are called # and their index.\n"
+    "\n"
+    "Example:\n"
+    "  ombrix show state.oxb.gz --limit 20";
 
 constexpr const char* kInfoFooter =
     "Example:\n"
@@ -99,9 +119,15 @@ public:
     solve = app.add_subcommand("solve", "Search a good solution of MODEL");
     info = app.add_subcommand("info", "Show what MODEL holds and what the engine makes of it");
     describeSolve();
+    convert = app.add_subcommand("convert", "Write MODEL as an environment file");
+    show = app.add_subcommand("show", "Print MODEL as formulas, with its solution");
     info->footer(kInfoFooter);
-    for (CLI::App* command : {solve, info}) {
+    for (CLI::App* command : {solve, info, convert, show}) {
       command->add_option("MODEL", line.model, "The model file")->required();
+    }
+    describeConvert();
+    describeShow();
+    for (CLI::App* command : {solve, info}) {
       command
           ->add_option("--set", assignments, "Set an advanced parameter; may be given repeatedly")
           ->type_name("KEY=VALUE")
@@ -121,7 +147,7 @@ public:
     } catch (const CLI::ParseError& error) {
       throw InputError(std::string(error.what()) + " (see ombrix --help)");
     }
-    line.command = solve->parsed() ? CommandLine::Command::Solve : CommandLine::Command::Info;
+    line.command = parsedCommand();
     for (const std::string& text : assignments) {
       const auto [key, value] = splitAssignment(text, "--set");
       line.advancedParams.emplace_back(key, parseNumber<int>(value, INT_MIN, "--set " + key));
@@ -133,6 +159,24 @@ public:
   }
 
 private:
+  CommandLine::Command parsedCommand() const {
+    if (solve->parsed()) return CommandLine::Command::Solve;
+    if (convert->parsed()) return CommandLine::Command::Convert;
+    return show->parsed() ? CommandLine::Command::Show : CommandLine::Command::Info;
+  }
+
+  void describeConvert() {
+    convert->footer(kConvertFooter);
+    convert->add_option("TARGET", line.target, "The file to write")->required();
+  }
+
+  void describeShow() {
+    show->footer(kShowFooter);
+    show->add_option("--limit", line.limit, "Print at most N items of each list and formula")
+        ->check(CLI::Range(0LL, LLONG_MAX))
+        ->type_name("N");
+  }
+
   void describeSolve() {
     solve->footer(kSolveFooter);
     CLI::Option* phases = solve->add_option(
@@ -172,6 +216,10 @@ private:
                      "Write the solution, as the v lines of --output pb, to this file")
         ->type_name("FILE");
     solve
+        ->add_option("--save", line.environmentFile,
+                     "Write model, settings and solution to this environment file")
+        ->type_name("FILE");
+    solve
         ->add_option("--output", output,
                      "plain, or pb for the lines of the pseudo-Boolean competitions")
         ->type_name("plain|pb");
@@ -187,6 +235,8 @@ private:
   CLI::App app;
   CLI::App* solve = nullptr;
   CLI::App* info = nullptr;
+  CLI::App* convert = nullptr;
+  CLI::App* show = nullptr;
   CommandLine line;
   PhaseOptions single;
   std::string output = "plain";
@@ -195,6 +245,11 @@ private:
 };
 
 }  // namespace
+
+bool CommandLine::hasPhases() const {
+  const PhaseOptions& first = phases.front();
+  return phases.size() > 1 || first.time || first.iterations || first.objective;
+}
 
 CommandLine parseCommandLine(int argc, const char* const* argv) {
   return Parser().parse(argc, argv);

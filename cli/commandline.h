@@ -20,7 +20,7 @@ enum class OutputForm { Plain, Pb };
 /// What was asked for. Options that were not given are empty, so that the engine's own defaults
 /// apply and stand in one place.
 struct CommandLine {
-  enum class Command { Solve, Info, ShowText };
+  enum class Command { Solve, Info, Convert, Show, ShowText };
 
   Command command = Command::ShowText;
   /// For ShowText: the help or the version.
@@ -34,7 +34,16 @@ struct CommandLine {
   std::optional<int> displayEvery;
   std::vector<std::pair<std::string, int>> advancedParams;
   std::optional<std::string> solutionFile;
+  /// Where solve keeps the environment with its solution.
+  std::optional<std::string> environmentFile;
+  /// The file that convert writes.
+  std::string target;
+  /// The most items of a list that show prints.
+  std::optional<long long> limit;
   OutputForm output = OutputForm::Plain;
+
+  /// Whether a limit or an objective was given, in place of the phases of an environment file.
+  bool hasPhases() const;
 };
 
 /// Raises an InputError for a command line that is not understood.

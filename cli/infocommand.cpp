@@ -13,6 +13,7 @@
 #include "builder/dagbuilder.h"
 #include "builder/modelrecord.h"
 #include "builder/operatortools.h"
+#include "cli/environmentfile.h"
 #include "cli/opbmodel.h"
 #include "cli/opbmodelbuilder.h"
 #include "cli/opbreader.h"
@@ -80,12 +81,21 @@ void printClosed(const OXModel& model) {
 int runInfo(const CommandLine& line) {
   Ombrix solver;
   OXModel& model = *solver.getModel();
-  {
+  const bool isEnvironment = isEnvironmentFile(line.model);
+  if (!isEnvironment) {
     const OpbModel file = OpbReader::read(line.model);
     const OpbModelBuilder builder(file, model);
   }
   for (const auto& [key, value] : line.advancedParams) {
     solver.getParam()->setAdvancedParam(key, value);
+  }
+  if (isEnvironment) {
+    // The load closes the model: opened again, it is the one of the file.
+    loadEnvironmentFile(line.model, solver);
+    for (const auto& [key, value] : line.advancedParams) {
+      solver.getParam()->setAdvancedParam(key, value);
+    }
+    model.open();
   }
   printModel(model);
   malloc_trim(0);  // memory freed so far would hide what closing takes

@@ -9,8 +9,10 @@
 #include <string>
 
 #include "cli/commandline.h"
+#include "cli/convertcommand.h"
 #include "cli/infocommand.h"
 #include "cli/inputerror.h"
+#include "cli/showcommand.h"
 #include "cli/solvecommand.h"
 
 namespace ombrix::cli {
@@ -30,6 +32,10 @@ int runCommand(const CommandLine& line) {
       return runSolve(line);
     case CommandLine::Command::Info:
       return runInfo(line);
+    case CommandLine::Command::Convert:
+      return runConvert(line);
+    case CommandLine::Command::Show:
+      return runShow(line);
     case CommandLine::Command::ShowText:
       break;
   }

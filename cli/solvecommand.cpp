@@ -9,11 +9,14 @@
 #include <vector>
 
 #include "cli/commentstream.h"
+#include "cli/environmentfile.h"
+#include "cli/environmentrun.h"
 #include "cli/improvementreporter.h"
 #include "cli/opbmodel.h"
 #include "cli/opbmodelbuilder.h"
 #include "cli/opbreader.h"
 #include "cli/program.h"
+#include "cli/searchoptions.h"
 #include "cli/signalstopper.h"
 #include "cli/solutionwriter.h"
 
@@ -27,6 +30,7 @@ public:
       : line(asked), file(std::move(read)), builder(file, *solver.getModel()) {
     file.releaseSums();
     if (line.solutionFile) solutionFile.emplace(*line.solutionFile);
+    if (line.environmentFile) environmentFile.emplace(*line.environmentFile);
   }
 
   int run() {
@@ -35,7 +39,7 @@ public:
     }
     solver.getModel()->close();
     setParameters();
-    for (const PhaseOptions& phase : line.phases) createPhase(phase);
+    createPhases(line, solver);
     if (line.output == OutputForm::Pb) {
       searchForCompetition();
       finish();
@@ -50,25 +54,9 @@ public:
 
 private:
   void setParameters() {
-    OXParam& param = *solver.getParam();
-    if (line.threads) param.setNbThreads(*line.threads);
-    if (line.seed) param.setSeed(*line.seed);
-    if (line.annealingLevel) param.setAnnealingLevel(*line.annealingLevel);
-    if (line.displayEvery) param.setTimeBetweenDisplays(*line.displayEvery);
-    if (line.verbosity) {
-      param.setVerbosity(*line.verbosity);
-    } else if (line.output == OutputForm::Pb) {
-      param.setVerbosity(0);
-    }
+    applyParameters(line, solver);
     // What the signs of the coefficients prove lets the search end there, and end as optimal.
-    param.setObjectiveBound(0, static_cast<long long>(builder.getObjectiveLimit()));
-  }
-
-  void createPhase(const PhaseOptions& options) {
-    OXPhase& phase = *solver.createPhase();
-    if (options.time) phase.setTimeLimit(*options.time);
-    if (options.iterations) phase.setIterationLimit(*options.iterations);
-    if (options.objective) phase.setOptimizedObjective(*options.objective);
+    solver.getParam()->setObjectiveBound(0, static_cast<long long>(builder.getObjectiveLimit()));
   }
 
   void search() {
@@ -95,6 +83,7 @@ private:
   /// later.
   void finish() {
     status = solver.getSolution()->getStatus();
+    if (environmentFile) environmentFile->commit(solver);
     if (!hasSolution()) return;
     for (const OXExpression* decision : builder.getDecisions()) {
       values.push_back(decision->getIntValue() != 0);
@@ -145,6 +134,7 @@ private:
   Ombrix solver;
   OpbModelBuilder builder;
   std::optional<SolutionFile> solutionFile;
+  std::optional<EnvironmentFile> environmentFile;
   OXSolutionStatus status = OXSolutionStatus::Infeasible;
   std::vector<bool> values;
 };
@@ -152,6 +142,7 @@ private:
 }  // namespace
 
 int runSolve(const CommandLine& line) {
+  if (isEnvironmentFile(line.model)) return runSolveEnvironment(line);
   return SolveRun(line, OpbReader::read(line.model)).run();
 }
 

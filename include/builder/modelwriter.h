@@ -1,6 +1,7 @@
 #ifndef OMBRIX_BUILDER_MODELWRITER_H
 #define OMBRIX_BUILDER_MODELWRITER_H
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -24,7 +25,9 @@ public:
   /// ".gz" is compressed.
   ModelWriter(const Ombrix& source, const std::string& fileName);
 
-  void write();
+  /// Writes everything and closes the file. Returns the bytes that it must hold, before any
+  /// compression.
+  std::uint64_t write();
 
   /// The word for a status in a file; code 1 if there is none.
   static const char* statusWord(OXSolutionStatus status);

@@ -61,6 +61,8 @@ struct SolverRecord {
   /// Destroys the parallelizer and the workers, which hang on the kernel of the closed model.
   static void destroySearch(Ombrix& solver) { solver.destroySearch(); }
   static OXPhase& appendPhase(Ombrix& solver);
+  /// Forgets all phases; only while no search runs, and with no pointer to them left.
+  static void clearPhases(Ombrix& solver) { solver.phases.clear(); }
 
   static const std::vector<std::int32_t>& callbackEvents(const Ombrix& solver) {
     return solver.callbackEvents;

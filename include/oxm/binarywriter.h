@@ -33,6 +33,7 @@ public:
   void pushTrue() override;
   void pushFalse() override;
   void pushNil() override;
+  std::uint64_t getNbBytes() const override { return stream.getNbBytes(); }
 
 private:
   void writeTag(int tag) { stream.put(static_cast<char>(tag)); }

@@ -4,6 +4,7 @@
 #include <zlib.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -29,6 +30,9 @@ public:
   }
   void write(std::string_view bytes);
 
+  /// The bytes taken so far, before any compression, whether or not they reached the file.
+  std::uint64_t getNbBytes() const { return nbFlushed + block.size(); }
+
 private:
   static constexpr std::size_t kBlockSize = std::size_t{1} << 16;
 
@@ -39,6 +43,7 @@ private:
   std::FILE* file = nullptr;
   std::string fileName;
   std::string block;
+  std::uint64_t nbFlushed = 0;
 };
 
 }  // namespace ombrix

@@ -1,6 +1,7 @@
 #ifndef OMBRIX_OXM_OXMWRITER_H
 #define OMBRIX_OXM_OXMWRITER_H
 
+#include <cstdint>
 #include <string>
 
 namespace ombrix {
@@ -38,6 +39,10 @@ public:
   virtual void pushTrue() = 0;
   virtual void pushFalse() = 0;
   virtual void pushNil() = 0;
+
+  /// The bytes that the file must hold, before any compression: who wants to know whether all of
+  /// them arrived reads the file back and compares.
+  virtual std::uint64_t getNbBytes() const = 0;
 };
 
 }  // namespace ombrix

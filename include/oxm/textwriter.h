@@ -36,6 +36,7 @@ public:
   void pushTrue() override;
   void pushFalse() override;
   void pushNil() override;
+  std::uint64_t getNbBytes() const override { return stream.getNbBytes(); }
 
 private:
   void beforeValue();

@@ -30,7 +30,7 @@ std::unique_ptr<OXMWriter> createWriter(const std::string& fileName) {
 ModelWriter::ModelWriter(const Ombrix& source, const std::string& fileName)
     : ombrix(source), model(source.getModel()), writer(createWriter(fileName)) {}
 
-void ModelWriter::write() {
+std::uint64_t ModelWriter::write() {
   writer->pushMap();
   writeInfo();
   writeExpressions();
@@ -43,7 +43,9 @@ void ModelWriter::write() {
     writeSolution();
   }
   writer->popMap();
+  const std::uint64_t nbBytes = writer->getNbBytes();
   writer.reset();
+  return nbBytes;
 }
 
 void ModelWriter::writeInfo() {

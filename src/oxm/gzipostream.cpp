@@ -49,6 +49,7 @@ void GzipOstream::flush() {
   } else {
     std::fwrite(block.data(), 1, block.size(), file);
   }
+  nbFlushed += block.size();
   block.clear();
 }
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <cstdint>
 #include <string>
 
 #include "api/ombrix.h"
@@ -92,6 +92,14 @@ TEST_F(ModelWriterTest, AClosedModelIsWrittenWhole) {
                 "\"verbosity\"=4,\"timeBetweenDisplays\"=6,\"objectiveBounds\"=\n{7.25,-2},"
                 "\"advancedParams\"=\n{\"ape\"=-1,\"zebra\"=1}},"
                 "\"solution\"=\n{\"status\"=\"infeasible\",\"decisions\"=\n{1,0}}}");
+}
+
+TEST_F(ModelWriterTest, TellsHowManyBytesTheFileHolds) {
+  for (const char* extension : {".oxm", ".oxm.gz", ".oxb", ".oxb.gz"}) {
+    const TemporaryFile file("", extension);
+    const std::uint64_t nbBytes = ModelWriter(solver, file.path()).write();
+    EXPECT_EQ(nbBytes, test::inflatedBytesOf(file.path()).size());
+  }
 }
 
 TEST_F(ModelWriterTest, TheFormatIsToldByTheEndOfTheName) {

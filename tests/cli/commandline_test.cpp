@@ -36,6 +36,30 @@ TEST(CommandLine, ASolveWithoutOptionsHasOneUnlimitedPhase) {
   EXPECT_EQ(line.output, OutputForm::Plain);
 }
 
+TEST(CommandLine, TellsWhetherPhasesWereAskedFor) {
+  EXPECT_FALSE(parse({"solve", "m.oxb", "--seed", "1"}).hasPhases());
+  EXPECT_TRUE(parse({"solve", "m.oxb", "--time", "1"}).hasPhases());
+  EXPECT_TRUE(parse({"solve", "m.oxb", "--iterations", "1"}).hasPhases());
+  EXPECT_TRUE(parse({"solve", "m.oxb", "--objective", "0"}).hasPhases());
+  EXPECT_TRUE(parse({"solve", "m.oxb", "--phase", "time=1"}).hasPhases());
+}
+
+TEST(CommandLine, ReadsFilesToWrite) {
+  EXPECT_EQ(parse({"solve", "m.opb", "--save", "m.oxb"}).environmentFile, "m.oxb");
+  const CommandLine line = parse({"convert", "m.opb", "m.oxb"});
+  EXPECT_EQ(line.command, CommandLine::Command::Convert);
+  EXPECT_EQ(line.model, "m.opb");
+  EXPECT_EQ(line.target, "m.oxb");
+  EXPECT_NE(refusalOf({"convert", "m.opb"}), "accepted");
+}
+
+TEST(CommandLine, ReadsTheLimitOfShow) {
+  EXPECT_EQ(parse({"show", "m.oxb"}).command, CommandLine::Command::Show);
+  EXPECT_EQ(parse({"show", "m.oxb"}).limit, std::nullopt);
+  EXPECT_EQ(parse({"show", "m.oxb", "--limit", "3"}).limit, 3);
+  EXPECT_NE(refusalOf({"show", "m.oxb", "--limit", "-1"}), "accepted");
+}
+
 TEST(CommandLine, ReadsEveryOption) {
   const CommandLine line = parse({"solve",
                                   "--time",

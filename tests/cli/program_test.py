@@ -204,6 +204,164 @@ class SolutionFile(ProgramTest):
         self.assert_failure(result, "/no/such/folder/best.txt: cannot be written: ")
 
 
+class Environments(ProgramTest):
+    FORMS = ("m.oxm", "m.oxm.gz", "m.oxb", "m.oxb.gz")
+
+    def read(self, name):
+        with open(self.path(name), "rb") as stream:
+            return stream.read()
+
+    def assert_good(self, result):
+        self.assertEqual(result.returncode, 0, result)
+        self.assertEqual(result.stderr, "")
+        return result.stdout
+
+    def test_a_search_goes_on_from_the_file(self):
+        for form in self.FORMS:
+            saved = self.solve(COVER, "--verbosity", "0", "--seed", "9", "--save", form)
+            first = self.assert_good(saved)
+            again = self.run_program("solve", form, "--iterations", "1", "--verbosity", "0")
+            self.assertEqual(self.assert_good(again), first)
+            shown = self.assert_good(self.run_program("show", form))
+            self.assertIn("\n  x1 = 1\n  x2 = 0\n  x3 = 0\n", shown)
+            self.assertIn("seed = 9", shown)
+
+    def test_the_phases_of_the_file_hold_until_limits_are_given(self):
+        self.assert_good(self.solve(COVER, "--phase", "iterations=1000", "--phase",
+                                    "iterations=500", "--save", "m.oxb"))
+        kept = self.assert_good(self.run_program("solve", "m.oxb"))
+        self.assertIn("iteration limit = 1000", kept)
+        self.assertIn("Phase 1:", kept)
+        replaced = self.assert_good(self.run_program("solve", "m.oxb", "--iterations", "77"))
+        self.assertIn("iteration limit = 77", replaced)
+        self.assertNotIn("Phase 1:", replaced)
+
+    def test_every_form_into_every_other(self):
+        source = self.model(PRODUCTS)
+        for form in self.FORMS:
+            self.assert_good(self.run_program("convert", source, form))
+            for other in self.FORMS:
+                self.assert_good(self.run_program("convert", form, "to" + other))
+                self.assert_good(self.run_program("convert", "to" + other, "back" + form))
+                back, there = self.read("back" + form), self.read(form)
+                if form.endswith(".gz"):
+                    self.assertEqual(there[:2], b"\x1f\x8b")
+                    back, there = gzip.decompress(back), gzip.decompress(there)
+                self.assertEqual(back, there)
+        self.assertEqual(self.read("m.oxm")[:9], b"<OXM01>\r\n")
+        self.assertEqual(self.read("m.oxb")[:7], b"<OXB01>")
+
+    def test_the_content_tells_the_form(self):
+        self.assert_good(self.run_program("convert", self.model(COVER), "m.oxb.gz"))
+        os.rename(self.path("m.oxb.gz"), self.path("m.opb"))
+        self.assertIn("minimize", self.assert_good(self.run_program("show", "m.opb")))
+        self.assertIn("bool = 3", self.assert_good(self.run_program("info", "m.opb")))
+
+    def test_a_file_may_be_converted_into_itself_through_a_link(self):
+        self.assert_good(self.run_program("convert", self.model(COVER), "m.oxb"))
+        os.symlink("m.oxb", self.path("link.oxb"))
+        before = self.read("m.oxb")
+        self.assert_good(self.run_program("convert", "link.oxb", "link.oxb"))
+        self.assertTrue(os.path.islink(self.path("link.oxb")))
+        self.assertEqual(self.read("m.oxb"), before)
+
+    def test_info_is_that_of_the_model(self):
+        self.assert_good(self.run_program("convert", self.model(COVER), "m.oxm"))
+        lines = [
+            [line for line in self.assert_good(self.run_program("info", name)).splitlines()
+             if "closing" not in line]
+            for name in ("model.opb", "m.oxm")
+        ]
+        self.assertEqual(*lines)
+
+    def test_show(self):
+        shown = self.assert_good(self.run_program("show", self.model(COVER)))
+        self.assertIn("Constraints:\n  #5 = x1 + x2 >= 1\n  #7 = x1 + x3 >= 1\n", shown)
+        self.assertIn("Objectives:\n  minimize #13 = 3 * x1 + 2 * x2 + 2 * x3\n", shown)
+        self.assertIn("Solution:\n  status = infeasible\n  objective 0 = 0\n", shown)
+        self.assertTrue(shown.endswith("Decisions:\n  x1 = 0\n  x2 = 0\n  x3 = 0\n"))
+
+    def test_show_cuts_lists_at_the_limit(self):
+        shown = self.assert_good(self.run_program("show", self.model(COVER), "--limit", "1"))
+        self.assertIn("Constraints:\n  #5 = x1 + ... 1 more >= ... 1 more\n  ... 1 more\n", shown)
+        self.assertTrue(shown.endswith("Decisions:\n  x1 = 0\n  ... 2 more\n"), shown)
+
+    def test_a_text_file_that_cannot_be_read_back_is_warned_of(self):
+        # Two infinite bounds in a row, of which the first gets no comma.
+        with open(self.path("two.oxm"), "w", encoding="ascii", newline="") as stream:
+            stream.write(
+                '<OXM01>\r\n{"expressions"={{"type"="bool"},{"type"="const","value"=0.5},'
+                '{"type"="sum"}},"operands"={{},{},{0,1}},'
+                '"objectives"={{"idx"=2},{"idx"=2}}}')
+        for target in ("out.oxm", "out.oxm.gz"):
+            result = self.run_program("convert", "two.oxm", target)
+            self.assertEqual(result.returncode, 0)
+            self.assertRegex(
+                result.stderr,
+                "^ombrix: warning: %s cannot be read back .* .oxb or .oxb.gz\n$" % target)
+            self.assert_failure(self.run_program("show", target), target + ": At line ")
+        self.assert_good(self.run_program("convert", "two.oxm", "out.oxb"))
+        result = self.run_program("solve", "two.oxm", "--iterations", "9", "--verbosity", "0",
+                                  "--save", "saved.oxm")
+        self.assertEqual(result.returncode, 0)
+        self.assertIn("ombrix: warning: saved.oxm cannot be read back", result.stderr)
+
+    def test_a_full_disk_never_replaces_a_file(self):
+        self.assert_good(self.run_program("convert", self.model(COVER), "m.oxb"))
+        before = self.read("m.oxb")
+        limited = 'trap "" XFSZ; ulimit -f 0; exec "$0" convert model.opb "$1"'
+        for form in self.FORMS:
+            with open(self.path(form), "wb") as stream:
+                stream.write(before)
+            result = subprocess.run(
+                ["bash", "-c", limited, PROGRAM, form], capture_output=True, text=True,
+                cwd=self.folder, check=False)
+            self.assert_failure(result, form + ": cannot be written: only part of it arrived")
+            self.assertEqual(self.read(form), before)
+        self.assertEqual(sorted(os.listdir(self.folder)), sorted(self.FORMS + ("model.opb",)))
+
+    def test_places_that_cannot_be_written_are_told_before_the_work(self):
+        name = self.model(COVER)
+        for target, reason in (("/no/such/folder/m.oxb", "No such file or directory"),
+                               ("/dev/null", "not a regular file"),
+                               (self.folder, "not a regular file")):
+            told = target + ": cannot be written: " + reason
+            self.assert_failure(self.run_program("convert", name, target), told)
+            self.assert_failure(self.run_program("solve", name, "--save", target), told)
+
+    def test_a_failure_leaves_the_old_file_and_nothing_else(self):
+        with open(self.path("m.oxb"), "w", encoding="ascii") as stream:
+            stream.write("old")
+        self.assert_failure(self.run_program("convert", self.model("min: x", "bad.opb"), "m.oxb"))
+        self.assertEqual(self.read("m.oxb"), b"old")
+        self.assertEqual(sorted(os.listdir(self.folder)), ["bad.opb", "m.oxb"])
+
+    def test_bad_files_are_named(self):
+        with open(self.path("bad.oxm"), "w", encoding="ascii") as stream:
+            stream.write("<OXM01>\n{?")
+        for command in (("solve",), ("info",), ("show",)):
+            result = self.run_program(*command, "bad.oxm")
+            self.assert_failure(result, "bad.oxm: At line 2: unexpected character '?'")
+        self.assert_failure(self.run_program("convert", "bad.oxm", "out.oxm"), "bad.oxm: At line")
+
+    def test_the_lines_of_competitions_are_those_of_opb_files(self):
+        self.assert_good(self.run_program("convert", self.model(COVER), "m.oxm"))
+        self.assert_failure(self.run_program("solve", "m.oxm", "--output", "pb"),
+                            "--output pb: m.oxm is no file in the OPB format")
+
+    def test_the_solution_file_has_the_names_of_the_decisions(self):
+        self.assert_good(self.solve(COVER, "--save", "m.oxb"))
+        self.assert_good(self.run_program("solve", "m.oxb", "--solution", "best.txt"))
+        self.assertEqual(self.read("best.txt"), b"v x1 -x2 -x3\n")
+
+    def test_a_contradiction_keeps_its_status(self):
+        result = self.solve(CONTRADICTION, "--save", "m.oxb")
+        self.assertEqual(result.returncode, 3, result)
+        result = self.run_program("solve", "m.oxb")
+        self.assertEqual(result.returncode, 3, result)
+        self.assertIn("Status: inconsistent", result.stdout)
+
+
 class Failures(ProgramTest):
     def test_usage(self):
         self.assert_failure(self.run_program())
@@ -245,7 +403,13 @@ class Information(ProgramTest):
         version = self.run_program("--version")
         self.assertEqual(version.returncode, 0)
         self.assertTrue(version.stdout.startswith("Ombrix 3.1 "), version.stdout)
-        for arguments in (("--help",), ("solve", "--help"), ("info", "--help")):
+        for arguments in (
+            ("--help",),
+            ("solve", "--help"),
+            ("info", "--help"),
+            ("convert", "--help"),
+            ("show", "--help"),
+        ):
             result = self.run_program(*arguments)
             self.assertEqual(result.returncode, 0)
             self.assertRegex(result.stdout, "Examples?:\n  ombrix ")

@@ -59,6 +59,15 @@ TEST(GzipOstreamTest, CompressesWhateverTheName) {
   EXPECT_EQ(test::inflatedBytesOf(file.path()), bytes);
 }
 
+TEST(GzipOstreamTest, CountsTheBytesThatTheFileMustHold) {
+  for (const bool compress : {false, true}) {
+    GzipOstream stream("/dev/full", compress);
+    stream.write(manyBytes());
+    stream.put('x');
+    EXPECT_EQ(stream.getNbBytes(), 200001U);
+  }
+}
+
 TEST(GzipOstreamTest, AFileThatCannotBeOpenedIsNamed) {
   for (const bool compress : {false, true}) {
     expectFailure(1, "GzipOstream::GzipOstream", "Cannot open file /nonexistent/a.oxm",

@@ -1,0 +1,19 @@
+#ifndef OMBRIX_CLI_SEARCHOPTIONS_H
+#define OMBRIX_CLI_SEARCHOPTIONS_H
+
+#include <ombrix/ombrix.h>
+
+#include "cli/commandline.h"
+
+namespace ombrix::cli {
+
+/// Gives a solver whose model is closed the parameters of the command line. What was not asked for
+/// keeps its value.
+void applyParameters(const CommandLine& line, Ombrix& solver);
+
+/// Adds the phases of the command line.
+void createPhases(const CommandLine& line, Ombrix& solver);
+
+}  // namespace ombrix::cli
+
+#endif
