@@ -55,7 +55,7 @@ class string;
     ombrix::java::throwByKind(jenv, ombrix::java::kNullPointerException, "null std::string");
     return $null;
   }
-  if (!ombrix::java::copyString(jenv, $input, copy, "$wrapname")) return $null;
+  if (!ombrix::java::copyString(jenv, $input, copy, __func__)) return $null;
   $1 = &copy;
 %}
 %typemap(javaout) std::string {
@@ -338,6 +338,20 @@ import java.lang.ref.Cleaner;
       $jnicall;
     } finally {
       leaveSolve();
+    }
+  }
+// The two calls meant for other threads may come while the solver is deleted: under the lock they reach
+// a live one or are refused.
+%typemap(javaout) void ombrix::Ombrix::stop {
+    synchronized (lock) {
+      requireAlive();
+      $jnicall;
+    }
+  }
+%typemap(javaout) ombrix::OXState ombrix::Ombrix::getState {
+    synchronized (lock) {
+      requireAlive();
+      return $javaclassname.swigToEnum($jnicall);
     }
   }
 

@@ -1,9 +1,12 @@
 package ombrix;
 
 import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
 
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
 import java.util.Set;
 import java.util.TreeSet;
 import org.junit.jupiter.api.Test;
@@ -88,5 +91,11 @@ class ExportsTest {
     addAll();
     assertEquals(159, expected.size());
     assertEquals(expected, exportsOf(System.getProperty("ombrix.library")));
+  }
+
+  @Test
+  void everyFailureNamesItsExport() throws IOException {
+    byte[] library = Files.readAllBytes(Path.of(System.getProperty("ombrix.library")));
+    assertFalse(new String(library, StandardCharsets.ISO_8859_1).contains("$wrapname"));
   }
 }

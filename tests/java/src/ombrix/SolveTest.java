@@ -9,6 +9,7 @@ import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.time.Duration;
+import java.util.concurrent.atomic.AtomicBoolean;
 import org.junit.jupiter.api.Test;
 
 /** Whole searches driven from Java. */
@@ -92,21 +93,52 @@ class SolveTest {
   }
 
   @Test
+  void stopAndGetStateDuringADeleteReachALiveSolverOrAreRefused() throws InterruptedException {
+    for (int i = 0; i < 200; i++) {
+      Ombrix ombrix = new Ombrix();
+      AtomicBoolean refused = new AtomicBoolean();
+      Thread caller =
+          new Thread(
+              () -> {
+                try {
+                  while (true) {
+                    ombrix.stop();
+                    ombrix.getState();
+                  }
+                } catch (IllegalStateException deleted) {
+                  refused.set(true);
+                }
+              });
+      caller.start();
+      Thread.sleep(1);
+      ombrix.delete();
+      caller.join();
+      assertTrue(refused.get());
+    }
+  }
+
+  @Test
   void aFailureOnASearchThreadReachesTheCallerOfSolve() {
     try (Ombrix ombrix = new Ombrix()) {
       OXModel model = ombrix.getModel();
-      OXExpression x = model.createExpression(OXOperator.Bool);
-      OXExpression y = model.createExpression(OXOperator.Bool);
-      OXExpression divisor = model.createExpression(OXOperator.Sum, x, y, -1L);
-      OXExpression quotient = model.createExpression(OXOperator.Div, 12L, divisor);
-      model.addObjective(quotient, OXObjectiveDirection.Minimize);
+      // The nearer the sum comes to 6 the better, and at 6 the divisor is 0.
+      OXExpression sum = model.createExpression(OXOperator.Sum);
+      for (int i = 0; i < 6; i++) {
+        sum.addOperand(model.createExpression(OXOperator.Bool));
+      }
+      OXExpression minusSum = model.createExpression(OXOperator.Prod, -1L, sum);
+      OXExpression divisor = model.createExpression(OXOperator.Sum, 6L, minusSum);
+      OXExpression quotient = model.createExpression(OXOperator.Div, 6L, divisor);
+      OXExpression objective = model.createExpression(OXOperator.Sum, sum, quotient);
+      model.addObjective(objective, OXObjectiveDirection.Maximize);
       model.close();
       ombrix.getParam().setVerbosity(0);
       ombrix.createPhase().setIterationLimit(10000);
       OXException failure = assertThrows(OXException.class, ombrix::solve);
       assertEquals(5, failure.getCode());
       assertEquals("Division by zero.", failure.getMessage());
-      assertTrue(x.getValue() == 0 || x.getValue() == 1);
+      assertEquals(OXState.Paused, ombrix.getState());
+      assertTrue(objective.getValue() > 1, "what was found is kept");
     }
   }
 
