@@ -55,6 +55,7 @@ public:
   void addOperand(long long constant);
   void addOperand(double constant);
   void addOperand(int constant) { addOperand(static_cast<long long>(constant)); }
+  void addOperand(long constant) { addOperand(static_cast<long long>(constant)); }
 
   /// Replaces the operand at a position from 0 to getNbOperands() - 1. In state Modeling. Only an
   /// operator with any number of operands allows it, since the checks are those of one operand
@@ -64,6 +65,9 @@ public:
   void setOperand(int position, long long constant);
   void setOperand(int position, double constant);
   void setOperand(int position, int constant) {
+    setOperand(position, static_cast<long long>(constant));
+  }
+  void setOperand(int position, long constant) {
     setOperand(position, static_cast<long long>(constant));
   }
 
@@ -76,6 +80,7 @@ public:
   void setValue(long long value);
   void setValue(double value);
   void setValue(int value) { setValue(static_cast<long long>(value)); }
+  void setValue(long value) { setValue(static_cast<long long>(value)); }
   void setIntValue(long long value);
   void setDoubleValue(double value);
 

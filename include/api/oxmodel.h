@@ -43,6 +43,7 @@ public:
   /// integer; the two zeros share one. Code 0 as above; code 2: not a number, or infinite.
   OXExpression* createConstant(double value);
   OXExpression* createConstant(int value) { return createConstant(static_cast<long long>(value)); }
+  OXExpression* createConstant(long value) { return createConstant(static_cast<long long>(value)); }
 
   /// A new expression: a decision for OXOperator::Bool, else an operator over the operands given,
   /// to which OXExpression::addOperand can add. Fewer operands than the operator needs are accepted

@@ -62,6 +62,9 @@ public:
   void setObjectiveBound(int objective, int bound) {
     setObjectiveBound(objective, static_cast<long long>(bound));
   }
+  void setObjectiveBound(int objective, long bound) {
+    setObjectiveBound(objective, static_cast<long long>(bound));
+  }
 
   /// The bound of a boolean or integer objective; codes as for its setter.
   long long getIntObjectiveBound(int objective) const;

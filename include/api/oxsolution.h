@@ -39,6 +39,7 @@ public:
   void setValue(OXExpression* expr, long long value);
   void setValue(OXExpression* expr, double value);
   void setValue(OXExpression* expr, int value) { setValue(expr, static_cast<long long>(value)); }
+  void setValue(OXExpression* expr, long value) { setValue(expr, static_cast<long long>(value)); }
 
   /// The value of a boolean or integer expression. In states Paused and Stopped. Code 5: it has no
   /// value at this assignment, as for an index out of an array or a division by zero.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
 #include <limits>
 
 #include "api/ombrix.h"
@@ -32,10 +33,29 @@ TEST_F(OXModelTest, KnowsItsSolver) {
 
 TEST_F(OXModelTest, AnIntegerHasOneConstant) {
   OXExpression* seven = model.createConstant(7);
+  EXPECT_EQ(model.createConstant(7L), seven);
   EXPECT_EQ(model.createConstant(7LL), seven);
+  EXPECT_EQ(model.createConstant(std::int64_t{7}), seven);
   EXPECT_EQ(model.getNbExpressions(), 1);
   EXPECT_NE(model.createConstant(8), seven);
   EXPECT_EQ(model.getNbExpressions(), 2);
+}
+
+TEST_F(OXModelTest, EveryIntegerOf64BitsIsTakenByWhateverNameItsTypeHas) {
+  const std::int64_t value = 1;
+  OXExpression* decision = model.createExpression(OXOperator::Bool);
+  OXExpression* sum = model.createExpression(OXOperator::Sum, decision);
+  sum->addOperand(value);
+  sum->setOperand(1, value + 1);
+  EXPECT_EQ(sum->getOperand(1), model.createConstant(2));
+  model.addObjective(sum, OXObjectiveDirection::Minimize);
+  model.close();
+  decision->setValue(value);
+  EXPECT_EQ(sum->getIntValue(), 3);
+  solver.getSolution()->setValue(decision, value - 1);
+  EXPECT_EQ(sum->getIntValue(), 2);
+  solver.getParam()->setObjectiveBound(0, value);
+  EXPECT_EQ(solver.getParam()->getObjectiveBound(0), 1);
 }
 
 TEST_F(OXModelTest, ADoubleHasOneConstantApartFromTheEqualInteger) {
