@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <climits>
+#include <limits>
 #include <memory>
 #include <string_view>
 
@@ -66,8 +67,10 @@ Number parseNumber(std::string_view text, Number lowest, const std::string& cont
   const char* end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, number);
   if (result.ec != std::errc() || result.ptr != end || text.empty() || number < lowest) {
-    throw InputError(context + ": found \"" + std::string(text) +
-                     "\", expected an integer of at least " + std::to_string(lowest));
+    const bool isTooLarge = result.ec == std::errc::result_out_of_range && !text.starts_with('-');
+    throw InputError(context + ": found \"" + std::string(text) + "\", expected an integer of at " +
+                     (isTooLarge ? "most " + std::to_string(std::numeric_limits<Number>::max())
+                                 : "least " + std::to_string(lowest)));
   }
   return number;
 }
@@ -101,6 +104,14 @@ PhaseOptions parsePhase(const std::string& text) {
     begin = comma + 1;
   }
   return phase;
+}
+
+/// What does not fit into 64 bits would be taken for the largest number that does.
+std::string checkIterations(const std::string& text) {
+  long long number = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (result.ec != std::errc::result_out_of_range) return {};
+  return "Value " + text + " not in range 1 to " + std::to_string(LLONG_MAX);
 }
 
 OutputForm parseOutput(const std::string& text) {
@@ -144,6 +155,8 @@ public:
       return textOnly(app.help("", CLI::AppFormatMode::All));
     } catch (const CLI::CallForVersion& version) {
       return textOnly(version.what());
+    } catch (const CLI::RequiredError& error) {
+      throw InputError(missingText(error) + " (see ombrix --help)");
     } catch (const CLI::ParseError& error) {
       throw InputError(std::string(error.what()) + " (see ombrix --help)");
     }
@@ -186,7 +199,8 @@ private:
     time->check(CLI::Range(1, INT_MAX))->excludes(phases)->type_name("SECONDS");
     CLI::Option* iterations =
         solve->add_option("--iterations", single.iterations, "Limit the iterations of each thread");
-    iterations->check(CLI::Range(1LL, LLONG_MAX))->excludes(phases)->type_name("N");
+    iterations->check(CLI::Range(1LL, LLONG_MAX))->check(checkIterations);
+    iterations->excludes(phases)->type_name("N");
     CLI::Option* objective = solve->add_option("--objective", single.objective,
                                                "The index of the objective to optimise");
     objective->check(CLI::Range(0, INT_MAX))->excludes(phases)->type_name("I");
@@ -223,6 +237,13 @@ private:
         ->add_option("--output", output,
                      "plain, or pb for the lines of the pseudo-Boolean competitions")
         ->type_name("plain|pb");
+  }
+
+  /// A command that does not exist is told by its name.
+  std::string missingText(const CLI::RequiredError& error) const {
+    const std::vector<std::string> unknown = app.remaining();
+    if (unknown.empty()) return error.what();
+    return "found \"" + unknown.front() + "\", expected solve or info";
   }
 
   static CommandLine textOnly(std::string text) {

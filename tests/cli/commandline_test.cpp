@@ -128,7 +128,7 @@ TEST(CommandLine, MalformedPhasesAreRefused) {
   EXPECT_EQ(refusalOf({"solve", "m", "--phase", "objective=-1"}),
             "--phase objective: found \"-1\", expected an integer of at least 0");
   EXPECT_EQ(refusalOf({"solve", "m", "--phase", "time=99999999999"}),
-            "--phase time: found \"99999999999\", expected an integer of at least 1");
+            "--phase time: found \"99999999999\", expected an integer of at most 2147483647");
 }
 
 TEST(CommandLine, MalformedAssignmentsAreRefused) {
@@ -136,6 +136,23 @@ TEST(CommandLine, MalformedAssignmentsAreRefused) {
   EXPECT_EQ(refusalOf({"solve", "m", "--set", "=1"}), "--set: found \"=1\", expected KEY=VALUE");
   EXPECT_EQ(refusalOf({"solve", "m", "--set", "key=x"}),
             "--set key: found \"x\", expected an integer of at least -2147483648");
+  EXPECT_EQ(refusalOf({"solve", "m", "--set", "key=99999999999"}),
+            "--set key: found \"99999999999\", expected an integer of at most 2147483647");
+  EXPECT_EQ(refusalOf({"solve", "m", "--set", "key=-99999999999"}),
+            "--set key: found \"-99999999999\", expected an integer of at least -2147483648");
+}
+
+TEST(CommandLine, AnUnknownCommandIsToldByItsName) {
+  EXPECT_EQ(refusalOf({"dance", "m"}),
+            "found \"dance\", expected solve or info (see ombrix --help)");
+}
+
+TEST(CommandLine, IterationsBeyond64BitsAreRefused) {
+  EXPECT_EQ(refusalOf({"solve", "m", "--iterations", "99999999999999999999"}),
+            "--iterations: Value 99999999999999999999 not in range 1 to 9223372036854775807"
+            " (see ombrix --help)");
+  EXPECT_EQ(parse({"solve", "m", "--iterations", "9223372036854775807"}).phases[0].iterations,
+            9223372036854775807);
 }
 
 TEST(CommandLine, AnUnknownFormOfOutputIsRefused) {
