@@ -12,7 +12,9 @@ std::string valueLines(const std::vector<std::string>& names, const std::vector<
 
 /// A file that appears whole or not at all: the text goes to a temporary file beside it, which
 /// takes its name at the end. The temporary file is made at once, so that a place that cannot be
-/// written is noticed before the work begins, and disappears again if nothing is committed.
+/// written is noticed before the work begins, and disappears again if nothing is committed. A link
+/// stays and its file is replaced; a device, a pipe or the standard output is written to and never
+/// replaced.
 class SolutionFile {
 public:
   explicit SolutionFile(std::string fileName);
@@ -23,10 +25,14 @@ public:
   void commit(const std::string& text);
 
 private:
+  void findTarget();
+  bool writeText(const std::string& text) const;
   [[noreturn]] void failWriting() const;
 
   std::string fileName;
-  std::string temporaryName;
+  std::string targetName;   ///< what the name leads to
+  std::string writtenName;  ///< the temporary file, or the target itself if it is no regular file
+  bool isReplaced = true;
   int descriptor;
   bool committed = false;
 };

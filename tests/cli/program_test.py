@@ -198,6 +198,19 @@ class SolutionFile(ProgramTest):
         self.assertEqual(text, "".join(lines))
         self.assertEqual(sorted(os.listdir(self.folder)), ["best.txt", "model.opb"])
 
+    def test_the_standard_output_goes_on_behind_it(self):
+        with open(self.path("out.txt"), "w+", encoding="ascii") as out:
+            subprocess.run(
+                [PROGRAM, "solve", self.model(COVER), "--iterations", "1000", "--output", "pb"]
+                + ["--solution", "/dev/stdout"],
+                stdout=out,
+                check=True,
+            )
+        with open(self.path("out.txt"), encoding="ascii") as out:
+            kinds = [line[0] for line in out]
+        self.assertEqual(kinds[0], "c")
+        self.assertEqual(kinds[-3:], ["v", "s", "v"])
+
     def test_a_place_that_cannot_be_written_is_told_before_the_search(self):
         name = self.model(COVER)
         result = self.run_program("solve", name, "--solution", "/no/such/folder/best.txt")

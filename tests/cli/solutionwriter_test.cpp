@@ -1,6 +1,8 @@
 #include "cli/solutionwriter.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -87,6 +89,44 @@ TEST_F(SolutionFileTest, APlaceThatCannotBeWrittenIsNoticedAtOnce) {
     EXPECT_STREQ(error.what(),
                  "/no/such/folder/best.txt: cannot be written: No such file or directory");
   }
+}
+
+TEST_F(SolutionFileTest, AFolderIsNoticedAtOnce) {
+  try {
+    const SolutionFile file(folder.string());
+    FAIL();
+  } catch (const InputError& error) {
+    EXPECT_EQ(error.what(), folder.string() + ": cannot be written: Is a directory");
+  }
+  EXPECT_TRUE(std::filesystem::is_directory(folder));
+}
+
+TEST_F(SolutionFileTest, ALinkStaysAndItsFileIsReplaced) {
+  const std::filesystem::path target = folder / "target.txt";
+  std::ofstream(target) << "the one before";
+  std::filesystem::create_symlink(target, path());
+  SolutionFile(path()).commit("v x1\n");
+  EXPECT_TRUE(std::filesystem::is_symlink(path()));
+  EXPECT_EQ(contents(), "v x1\n");
+  EXPECT_EQ(nbFiles(), 2);
+}
+
+TEST_F(SolutionFileTest, ADeviceIsWrittenToAndNeverReplaced) {
+  std::filesystem::create_symlink("/dev/null", path());
+  SolutionFile(path()).commit("v x1\n");
+  EXPECT_TRUE(std::filesystem::is_character_file(path()));
+  EXPECT_EQ(nbFiles(), 1);
+}
+
+TEST_F(SolutionFileTest, APipeIsWrittenToAndNeverReplaced) {
+  ASSERT_EQ(mkfifo(path().c_str(), 0600), 0);
+  const int reader = open(path().c_str(), O_RDONLY | O_NONBLOCK);
+  SolutionFile(path()).commit("v x1\n");
+  char text[16];
+  EXPECT_EQ(read(reader, text, sizeof text), 5);
+  EXPECT_EQ(std::string(text, 5), "v x1\n");
+  close(reader);
+  EXPECT_TRUE(std::filesystem::is_fifo(path()));
 }
 
 }  // namespace
