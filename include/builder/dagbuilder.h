@@ -9,6 +9,7 @@
 #include "solver/kernel/dagfixedfields.h"
 #include "solver/kernel/oxvalue.h"
 #include "solver/move/constraintanalysis.h"
+#include "solver/move/moveanalysis.h"
 
 namespace ombrix {
 
@@ -54,14 +55,11 @@ public:
   const std::vector<OXExpression*>& conflicts() const { return conflictingExpressions; }
 
   const ConstraintAnalysis& constraintAnalysis() const { return *analysis; }
-  /// The nodes of type double_eq, double_geq and double_leq, ascending.
-  const std::vector<std::uint32_t>& doubleComparisons() const { return doubleComparisonNodes; }
-  /// Whether the parameters ask for a move that works on the structure of the constraints.
-  bool advancedMovesOn() const { return advancedMoves; }
+  const MoveAnalysis& moveAnalysis() const { return *plannedMoves; }
 
 private:
   void transform();
-  void collectDoubleComparisons();
+  /// Whether the parameters ask for a move that works on the structure of the constraints.
   bool wantsAdvancedMoves() const;
   /// The node of a decision as long as a move can write it, else kNone.
   std::uint32_t decisionNode(const OXExpression& decision) const;
@@ -75,9 +73,8 @@ private:
   std::vector<OXValue> lowers;
   std::vector<OXValue> uppers;
   std::vector<bool> fixed;
-  bool advancedMoves = false;
-  std::vector<std::uint32_t> doubleComparisonNodes;
   std::optional<ConstraintAnalysis> analysis;
+  std::optional<MoveAnalysis> plannedMoves;
 };
 
 }  // namespace ombrix

@@ -6,6 +6,7 @@
 
 #include "solver/kernel/dag.h"
 #include "solver/kernel/heuristicautoannealing.h"
+#include "solver/move/autonomousstructure.h"
 #include "solver/move/basicmovestructure.h"
 
 namespace ombrix {
@@ -32,6 +33,7 @@ struct alignas(64) Worker {
   std::uint32_t rng = 1;
   Ombrix* solver;
   std::unique_ptr<Dag> dag;
+  std::unique_ptr<AutonomousStructure> autonomousStructure;
   std::unique_ptr<BasicMoveStructure> basicMoveStructure;
   /// Last, so that the moves die before what they point to.
   std::unique_ptr<HeuristicAutoAnnealing> heuristic;

@@ -44,9 +44,8 @@ DagBuilder::DagBuilder(OXModel* closedModel) : model(closedModel) {
          "The model need to be closed to be transformed");
   }
   transform();
-  advancedMoves = wantsAdvancedMoves();
-  collectDoubleComparisons();
   analysis.emplace(fixedFields);
+  plannedMoves.emplace(fixedFields, wantsAdvancedMoves());
 }
 
 void DagBuilder::transform() {
@@ -66,15 +65,6 @@ bool DagBuilder::wantsAdvancedMoves() const {
          (isEnabled(*model, "moveSequenceEnabled") ||
           isEnabled(*model, "moveEjectionChainEnabled") ||
           isEnabled(*model, "moveBinPackingEnabled"));
-}
-
-void DagBuilder::collectDoubleComparisons() {
-  for (std::uint32_t node = 0; node < fixedFields.nbNodes; ++node) {
-    const NodeType type = fixedFields.types[node];
-    if (type == NodeType::DoubleEq || type == NodeType::DoubleGeq || type == NodeType::DoubleLeq) {
-      doubleComparisonNodes.push_back(node);
-    }
-  }
 }
 
 std::uint32_t DagBuilder::decisionNode(const OXExpression& decision) const {

@@ -210,6 +210,10 @@ void Parallelizer::runPhases() {
 }
 
 void Parallelizer::runPhase(ThreadPool<RunningHeuristic>& pool, std::uint32_t index) {
+  for (const auto& running : runningHeuristics) {
+    AutonomousStructure& structure = *running->worker->autonomousStructure;
+    if (structure.moveAnalysis->advancedMovesOn) structure.rebuild();
+  }
   const std::uint32_t timeLimit = cumulativeTimeLimit(index);
   const std::uint64_t iterationLimit = cumulativeIterationLimit(index);
   for (const auto& running : runningHeuristics) {

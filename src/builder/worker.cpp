@@ -71,13 +71,14 @@ Worker::Worker(Ombrix& owner) : solver(&owner) {
   const DagBuilder& builder = *ModelRecord::dagBuilder(SolverRecord::model(owner));
   dag = std::make_unique<Dag>(builder.getFixedFields());
   heuristic = std::make_unique<HeuristicAutoAnnealing>(*dag, &rng);
-  // The structure over the static constraint nodes, for the moves that follow them, belongs here.
+  autonomousStructure = std::make_unique<AutonomousStructure>(*dag, builder.moveAnalysis(), rng);
+  if (builder.moveAnalysis().advancedMovesOn) autonomousStructure->rebuild();
   basicMoveStructure =
       std::make_unique<BasicMoveStructure>(*dag, builder.constraintAnalysis(), rng);
   heuristic->setRestartingRatio(positiveParam(owner, "restartingLevel", 3) * 10);
   heuristic->setMoveExploration(isEnabled(owner, "moveExplorationEnabled"));
   readParameters();
-  fillMovePool(heuristic->movePool, *basicMoveStructure, builder.doubleComparisons(),
+  fillMovePool(heuristic->movePool, *basicMoveStructure, builder.moveAnalysis().doubleComparisons,
                readPoolSettings(owner));
 }
 

@@ -96,7 +96,7 @@ TEST(DagBuilder, AdvancedMovesAreOnWhenOneOfThemIs) {
     for (const char* key : switchedOff) m.set(key, 0);
     m.minimize(m.boolean());
     m.close();
-    return m.builder().advancedMovesOn();
+    return m.builder().moveAnalysis().advancedMovesOn;
   };
   EXPECT_TRUE(isOn({}));
   EXPECT_FALSE(isOn({"advancedMovesEnabled"}));
@@ -120,7 +120,7 @@ TEST(DagBuilder, CollectsTheDoubleComparisonsThatAreNotStrict) {
   m.minimize(m.constant(0));
   m.close();
   // Created from the last to the first.
-  EXPECT_THAT(m.builder().doubleComparisons(),
+  EXPECT_THAT(m.builder().moveAnalysis().doubleComparisons,
               ElementsAre(m.nodeOf(all[3]), m.nodeOf(all[2]), m.nodeOf(all[0])));
 }
 

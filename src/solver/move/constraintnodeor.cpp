@@ -1,0 +1,7 @@
+#include "solver/move/constraintnodelogical.h"
+
+namespace ombrix {
+
+template class StaticConstraintNodeVariadic<OrKind>;
+
+}  // namespace ombrix
