@@ -71,6 +71,30 @@ TEST_F(ModelReaderTest, AFileWithoutInfoIsRead) {
   EXPECT_FALSE(model.isClosed());
 }
 
+TEST_F(ModelReaderTest, AFileMadeByHandMayBeLaidOutFreely) {
+  // The example of docs/files.md.
+  readBytes(
+      "<OXM01>\n"
+      "{\"expressions\"={\n"
+      "  {\"type\"=\"bool\",\"name\"=\"x\"},\n"
+      "  {\"type\"=\"const\",\"value\"=2},\n"
+      "  {\"type\"=\"prod\"}},\n"
+      "\"operands\"={{},{},{1,0}},\n"
+      "\"constraints\"={{\"idx\"=0}},\n"
+      "\"objectives\"={{\"idx\"=2,\"dir\"=\"maximize\"}}}\n");
+  model.close();
+  model.getExpression("x")->setValue(1);
+  EXPECT_EQ(model.getObjective(0)->getIntValue(), 2);
+}
+
+TEST_F(ModelReaderTest, AGzipThatExpandsFarIsStoppedByItsTokens) {
+  const std::string blanks(20000000, ' ');
+  const std::string bytes = test::gzipped("<OXM01>" + blanks + "]");
+  EXPECT_LT(bytes.size(), 100000U);
+  expectFailure(1, "TextReader::next", "At line 1: unexpected character ']'",
+                [&] { readBytes(bytes); });
+}
+
 TEST_F(ModelReaderTest, InfoIsSkippedWhateverItHolds) {
   readText("{\"info\"=nil,\"expressions\"={}}");
   EXPECT_EQ(model.getNbExpressions(), 0);
