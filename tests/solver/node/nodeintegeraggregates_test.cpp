@@ -443,6 +443,26 @@ TEST(NodeExtremumTest, CandidatesNearTheLimitsOfTheRangeStayConsistent) {
   }
 }
 
+// Twice the end of the range is that end when it saturates, and next to 0 when it wraps.
+TEST_F(NodeAggregateTest, CandidatesFallOutBySaturatingReachAndComeInByPlainReach) {
+  makeIntegers(NodeType::ScalarMax, {0, 0}, {2, 1});
+  acceptMove(*dag, {{1, 5}});
+  EXPECT_NE(dump().find("increaseCandidates= 0 1\n"), std::string::npos);
+  acceptMove(*dag, {{1, kLargest}});  // at its own maximum: nothing can rise
+  EXPECT_NE(dump().find("increaseCandidates=\n"), std::string::npos);
+  acceptMove(*dag, {{1, 0}});
+  EXPECT_NE(dump().find("increaseCandidates= 1\n"), std::string::npos);
+  EXPECT_TRUE(isConsistent());
+  makeIntegers(NodeType::ScalarMin, {0, 0}, {2, 1});
+  acceptMove(*dag, {{1, -5}});
+  EXPECT_NE(dump().find("decreaseCandidates= 0 1\n"), std::string::npos);
+  acceptMove(*dag, {{1, kSmallest}});
+  EXPECT_NE(dump().find("decreaseCandidates=\n"), std::string::npos);
+  acceptMove(*dag, {{1, 0}});
+  EXPECT_NE(dump().find("decreaseCandidates= 1\n"), std::string::npos);
+  EXPECT_TRUE(isConsistent());
+}
+
 // ---- array
 
 TEST(NodeArrayTest, ClearsItsMarksAndHasNoValue) {
