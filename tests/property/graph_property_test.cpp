@@ -420,7 +420,7 @@ private:
   }
 
   void activate() {
-    if (!random.oneIn(8)) return;
+    if (!random.oneIn(4)) return;
     if (random.oneIn(2)) {
       dag.propagation.activateSatisfiedConstraints(dag);
     } else {
@@ -553,8 +553,8 @@ INSTANTIATE_TEST_SUITE_P(EveryWidth, GraphProperty,
                                          Effort{17, 15, 60}, Effort{32, 15, 60}, Effort{33, 15, 60},
                                          Effort{64, 8, 60}, Effort{65, 8, 60}, Effort{128, 4, 60},
                                          Effort{129, 4, 60}, Effort{256, 3, 50}, Effort{257, 3, 50},
-                                         Effort{512, 2, 40}, Effort{513, 2, 40},
-                                         Effort{1024, 1, 40}, Effort{1025, 1, 40},
+                                         Effort{512, 4, 40}, Effort{513, 4, 40},
+                                         Effort{1024, 4, 60}, Effort{1025, 4, 60},
                                          Effort{65535, 1, 4}),
                          nameOf);
 
