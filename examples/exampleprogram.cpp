@@ -85,6 +85,10 @@ OXExpression* times(OXModel& model, long long factor, OXExpression* x) {
   return model.createExpression(OXOperator::Prod, model.createConstant(factor), x);
 }
 
+OXExpression* weighted(OXModel& model, double weight, OXExpression* x) {
+  return model.createExpression(OXOperator::Prod, model.createConstant(weight), x);
+}
+
 void requireEqual(OXModel& model, OXExpression* expression, long long value) {
   model.addConstraint(
       model.createExpression(OXOperator::Eq, expression, model.createConstant(value)));
@@ -121,6 +125,14 @@ std::vector<long long> chosenColumns(const Table& table) {
     columns.push_back(static_cast<long long>(column));
   }
   return columns;
+}
+
+std::vector<long long> chosen(const std::vector<OXExpression*>& decisions, long long first) {
+  std::vector<long long> numbers;
+  for (std::size_t i = 0; i < decisions.size(); ++i) {
+    if (decisions[i]->getIntValue() != 0) numbers.push_back(first + static_cast<long long>(i));
+  }
+  return numbers;
 }
 
 }  // namespace examples

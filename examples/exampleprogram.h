@@ -33,6 +33,9 @@ void report(ombrix::Ombrix& solver, const Arguments& arguments, double objective
 /// The model's "factor times x".
 ombrix::OXExpression* times(ombrix::OXModel& model, long long factor, ombrix::OXExpression* x);
 
+/// The same with a double, which makes the expression a double.
+ombrix::OXExpression* weighted(ombrix::OXModel& model, double weight, ombrix::OXExpression* x);
+
 /// "sum of the expressions is value", "at most value", "at least value".
 void requireEqual(ombrix::OXModel& model, ombrix::OXExpression* expression, long long value);
 void requireAtMost(ombrix::OXModel& model, ombrix::OXExpression* expression, long long value);
@@ -44,6 +47,9 @@ Table createTable(ombrix::OXModel& model, std::size_t nbRows, std::size_t nbColu
 
 /// The column chosen in every row of the solution.
 std::vector<long long> chosenColumns(const Table& table);
+
+/// The numbers, counted from first, of the decisions that are 1.
+std::vector<long long> chosen(const std::vector<ombrix::OXExpression*>& decisions, long long first);
 
 }  // namespace examples
 

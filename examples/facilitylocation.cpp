@@ -76,12 +76,8 @@ void run(const examples::Arguments& arguments) {
   model.addObjective(cost, OXObjectiveDirection::Minimize);
   model.close();
   examples::solveFor(solver, arguments.seconds);
-
-  std::vector<long long> open;
-  for (std::size_t i = 0; i < instance.nbFacilities; ++i) {
-    if (isOpen[i]->getIntValue() != 0) open.push_back(static_cast<long long>(i));
-  }
-  examples::report(solver, arguments, costs.unscaled(cost->getIntValue()), open);
+  examples::report(solver, arguments, costs.unscaled(cost->getIntValue()),
+                   examples::chosen(isOpen, 0));
 }
 
 }  // namespace

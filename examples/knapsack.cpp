@@ -70,12 +70,8 @@ void run(const examples::Arguments& arguments) {
   model.addObjective(profit, OXObjectiveDirection::Maximize);
   model.close();
   examples::solveFor(solver, arguments.seconds);
-
-  std::vector<long long> chosen;
-  for (std::size_t i = 0; i < n; ++i) {
-    if (isTaken[i]->getIntValue() != 0) chosen.push_back(static_cast<long long>(i));
-  }
-  examples::report(solver, arguments, profits.unscaled(profit->getIntValue()), chosen);
+  examples::report(solver, arguments, profits.unscaled(profit->getIntValue()),
+                   examples::chosen(isTaken, 0));
 }
 
 }  // namespace

@@ -128,12 +128,8 @@ void run(const examples::Arguments& arguments) {
   model.addObjective(cost, OXObjectiveDirection::Minimize);
   model.close();
   examples::solveFor(solver, arguments.seconds);
-
-  std::vector<long long> chosen;
-  for (std::size_t i = 0; i < isChosen.size(); ++i) {
-    if (isChosen[i]->getIntValue() != 0) chosen.push_back(static_cast<long long>(i + 1));
-  }
-  examples::report(solver, arguments, static_cast<double>(cost->getIntValue()), chosen);
+  examples::report(solver, arguments, static_cast<double>(cost->getIntValue()),
+                   examples::chosen(isChosen, 1));
 }
 
 }  // namespace

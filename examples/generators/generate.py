@@ -13,9 +13,13 @@ assignment        0 to 99.
 colouring         D. S. Johnson et al. 1991: 125 vertices, each edge with probability 0.5.
 facility location M. Koerkel 1989 and D. Ghosh 2003, uniform, small fixed costs: 100 facilities and
                   customers, service costs from 1000 to 2000, fixed costs from 100 to 200.
+location in the   60 sites and 200 customers on a square of 100, opening costs from 200 to 600,
+plane             demands from 1 to 20.
+portfolio         W. F. Sharpe 1963, with 6 factors: 150 assets, of which 20 are chosen; percent a year.
+antennas          8 antennas on a circle of radius 30 around 120 users, demands from 1 to 10.
 
-The formats are those of the libraries of each problem; set covering and knapsack come as
-pseudo-Boolean models too. The same files come out on every machine and version of Python.
+The formats are those of the libraries of each problem, if it has one, and are told in the examples;
+set covering and knapsack come as pseudo-Boolean models too. The same files come out on every machine and version of Python.
 """
 import os
 import sys
@@ -137,6 +141,51 @@ def facility_location(size, seed):
     return {"ufl%d.txt" % size: text}
 
 
+def decimal(draws, low, high, nb_decimals):
+    """A decimal number from low to high, as text; the limits count units of the last decimal."""
+    number = draws.uniform(low, high)
+    digits = "%0*d" % (nb_decimals + 1, abs(number))
+    return "%s%s.%s" % ("-" * (number < 0), digits[:-nb_decimals], digits[-nb_decimals:])
+
+
+def plane_location(nb_sites, nb_customers, seed):
+    draws = Draws(seed)
+
+    def point():
+        return "%s %s" % (decimal(draws, 0, 100000, 3), decimal(draws, 0, 100000, 3))
+
+    text = "%d %d\n" % (nb_sites, nb_customers)
+    for _ in range(nb_sites):
+        text += "%s %s\n" % (point(), decimal(draws, 20000, 60000, 2))
+    for _ in range(nb_customers):
+        text += "%s %s\n" % (point(), decimal(draws, 100, 2000, 2))
+    return {"plane%dx%d.txt" % (nb_sites, nb_customers): text}
+
+
+def portfolio(nb_assets, nb_factors, nb_chosen, seed):
+    draws = Draws(seed)
+    text = "%d %d %d %s\n" % (nb_assets, nb_factors, nb_chosen, "20.0")
+    for _ in range(nb_assets):
+        asset = [decimal(draws, 200, 1500, 2), decimal(draws, 5000, 90000, 2)]
+        # The first factor is the market, which moves nearly all assets the same way.
+        asset.append(decimal(draws, 500, 2500, 2))
+        asset += [decimal(draws, -800, 800, 2) for _ in range(nb_factors - 1)]
+        text += " ".join(asset) + "\n"
+    return {"portfolio%d.txt" % nb_assets: text}
+
+
+def antennas(nb_antennas, nb_users, radius, seed):
+    draws = Draws(seed)
+    text = "%d %d %d\n" % (nb_antennas, nb_users, radius)
+    reach = 1000 * radius
+    for _ in range(nb_users):
+        x = y = reach
+        while x * x + y * y > reach * reach:
+            x, y = draws.uniform(-reach, reach), draws.uniform(-reach, reach)
+        text += "%.3f %.3f %s\n" % (x / 1000, y / 1000, decimal(draws, 100, 1000, 2))
+    return {"antennas%dx%d.txt" % (nb_antennas, nb_users): text}
+
+
 def generate():
     """The contents of every file, by name."""
     files = {}
@@ -145,6 +194,9 @@ def generate():
     files.update(quadratic_assignment(30, 20023))
     files.update(colouring(125, 50, 20029))
     files.update(facility_location(100, 20047))
+    files.update(plane_location(60, 200, 20051))
+    files.update(portfolio(150, 6, 20, 20063))
+    files.update(antennas(8, 120, 30, 20071))
     return files
 
 

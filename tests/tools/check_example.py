@@ -3,11 +3,12 @@
 
 usage: check_example.py PROBLEM INSTANCE SOLUTION
 
-PROBLEM is knapsack, setcovering, quadraticassignment, graphcolouring or facilitylocation; INSTANCE is the
-file that the program read, SOLUTION the file of numbers that it wrote. Prints "objective N" and exits with
+PROBLEM is knapsack, setcovering, quadraticassignment, graphcolouring, facilitylocation, planelocation,
+portfolio or antennas; INSTANCE is the file that the program read, SOLUTION the file of numbers that it wrote. Prints "objective N" and exits with
 0 when the solution is feasible; otherwise says what is wrong and exits with 1.
 """
 import gzip
+import math
 import sys
 from decimal import Decimal
 
@@ -122,8 +123,53 @@ def facilitylocation(text, solution):
     return total
 
 
+def rows(numbers, start, count, width):
+    """The table of the given size in the list of numbers."""
+    if start + count * width > len(numbers):
+        raise IndexError("the instance ends too soon")
+    return [numbers[start + i * width:start + (i + 1) * width] for i in range(count)]
+
+
+def planelocation(text, solution):
+    numbers = [float(word) for word in text.split()]
+    m, n = int(numbers[0]), int(numbers[1])
+    sites, customers = rows(numbers, 2, m, 3), rows(numbers, 2 + 3 * m, n, 3)
+    chosen = distinct(solution, 0, m - 1, "facility")
+    if not chosen:
+        raise Wrong("no facility is open")
+    return math.fsum(sites[i][2] for i in chosen) + math.fsum(
+        demand * min(math.hypot(x - sites[i][0], y - sites[i][1]) for i in chosen)
+        for x, y, demand in customers)
+
+
+def portfolio(text, solution):
+    numbers = [float(word) for word in text.split()]
+    n, nb_factors, nb_held, reward = int(numbers[0]), int(numbers[1]), int(numbers[2]), numbers[3]
+    assets = rows(numbers, 4, n, 2 + nb_factors)
+    chosen = distinct(solution, 0, n - 1, "asset")
+    if len(chosen) != nb_held:
+        raise Wrong("%d assets are held, not %d" % (len(chosen), nb_held))
+    mean, variance, *exposures = [
+        math.fsum(assets[i][c] for i in chosen) / nb_held for c in range(2 + nb_factors)]
+    return math.fsum(x * x for x in exposures) + variance / nb_held - reward * mean
+
+
+def antennas(text, solution):
+    numbers = [float(word) for word in text.split()]
+    nb_antennas, n, radius = int(numbers[0]), int(numbers[1]), numbers[2]
+    if len(solution) != nb_antennas:
+        raise Wrong("%d positions for %d antennas" % (len(solution), nb_antennas))
+    if any(p < 0 or p > 255 for p in solution):
+        raise Wrong("a position lies outside 0 to 255")
+    angles = [2 * math.pi * p / 256 for p in solution]
+    places = [(radius * math.cos(a), radius * math.sin(a)) for a in angles]
+    return math.fsum(demand * min((x - px) ** 2 + (y - py) ** 2 for px, py in places)
+                     for x, y, demand in rows(numbers, 3, n, 3))
+
+
 PROBLEMS = {f.__name__: f for f in
-            (knapsack, setcovering, quadraticassignment, graphcolouring, facilitylocation)}
+            (knapsack, setcovering, quadraticassignment, graphcolouring, facilitylocation,
+             planelocation, portfolio, antennas)}
 
 
 def main(arguments):

@@ -58,6 +58,35 @@ class Others(unittest.TestCase):
         with self.assertRaisesRegex(checker.Wrong, "no facility is open"):
             checker.facilitylocation(text, [])
 
+    def test_plane_location_takes_the_nearest_open_site(self):
+        text = "2 2  0 0 10.5  6 8 1.25  3 4 2  6 9 0.5"
+        self.assertAlmostEqual(10.5 + 1.25 + 2 * 5 + 0.5, checker.planelocation(text, [0, 1]))
+        self.assertAlmostEqual(1.25 + 2 * 5 + 0.5, checker.planelocation(text, [1]))
+        with self.assertRaisesRegex(checker.Wrong, "no facility is open"):
+            checker.planelocation(text, [])
+
+    def test_plane_location_of_a_short_file_is_refused(self):
+        with self.assertRaises(IndexError):
+            checker.planelocation("1 2  0 0 10  3 4 2", [0])
+
+    def test_portfolio_risk_less_rewarded_return(self):
+        # Two of three assets, one factor: exposure (4 - 2) / 2, own variance (8 + 12) / 4.
+        text = "3 1 2 3.0  5 8 4  7 12 -2  100 0 0"
+        self.assertAlmostEqual(1 + 5 - 3 * 6, checker.portfolio(text, [0, 1]))
+        with self.assertRaisesRegex(checker.Wrong, "1 assets are held, not 2"):
+            checker.portfolio(text, [0])
+        with self.assertRaisesRegex(checker.Wrong, "named twice"):
+            checker.portfolio(text, [0, 0])
+
+    def test_antennas_reach_each_user_from_the_nearest(self):
+        # At the angles 0 and a quarter turn; one user beside each antenna, one at the centre.
+        text = "2 3 10  9 0 2  0 8 3  0 0 1"
+        self.assertAlmostEqual(2 * 1 + 3 * 4 + 100, checker.antennas(text, [0, 64]))
+        with self.assertRaisesRegex(checker.Wrong, "1 positions for 2 antennas"):
+            checker.antennas(text, [0])
+        with self.assertRaisesRegex(checker.Wrong, "outside 0 to 255"):
+            checker.antennas(text, [0, 256])
+
     def test_exit_status(self):
         with tempfile.TemporaryDirectory() as folder:
             instance, solution = (os.path.join(folder, name) for name in ("instance", "solution"))
