@@ -4,11 +4,14 @@
 #include <ombrix/ombrix.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstddef>
 #include <fstream>
 #include <iostream>
+#include <string>
+#include <vector>
 
 #include "builder/dagbuilder.h"
 #include "builder/modelrecord.h"
@@ -64,6 +67,51 @@ void printNodes(const DagFixedFields& fields) {
             << "  constraints left = " << fields.constraints.size() << "\n";
 }
 
+void printPass(const PassReport& report) {
+  std::cout << "  " << report.name << ": bounds narrowed = " << report.counts.nbNarrowed
+            << ", constants proved = " << report.counts.nbFixed
+            << ", expressions replaced = " << report.counts.nbReplaced
+            << ", time = " << report.seconds << " sec\n";
+}
+
+/// Nodes are saved against one for each expression of the model.
+void printCreation(const PassReport& report, const OXModel& model, const DagFixedFields& fields) {
+  const long long nbSaved = model.getNbExpressions() - static_cast<long long>(fields.nbNodes);
+  std::cout << "  " << report.name << ": nodes saved = " << nbSaved << ", time = " << report.seconds
+            << " sec\n";
+}
+
+void printPasses(const OXModel& model) {
+  const DagBuilder& builder = *ModelRecord::dagBuilder(model);
+  const std::vector<PassReport>& reports = builder.passReports();
+  const std::size_t nbPasses = reports.size() - (builder.isInconsistent() ? 0 : 1);
+  std::cout << "Passes:\n";
+  for (std::size_t i = 0; i < nbPasses; ++i) printPass(reports[i]);
+  if (nbPasses < reports.size()) {
+    printCreation(reports.back(), model, builder.getFixedFields());
+  }
+}
+
+/// Which constraint an expression is, if it is one.
+std::string constraintOf(const OXModel& model, const OXExpression* e) {
+  for (int i = 0; i < model.getNbConstraints(); ++i) {
+    if (model.getConstraint(i) == e) return ", constraint " + std::to_string(i);
+  }
+  return "";
+}
+
+/// The first contradiction, where to start looking: the ones after it often follow from it.
+void printContradiction(const OXModel& model) {
+  const DagBuilder& builder = *ModelRecord::dagBuilder(model);
+  const OXExpression* e = builder.conflicts().front();
+  const std::vector<PassReport>& reports = builder.passReports();
+  const auto pass = std::find_if(reports.begin(), reports.end(),
+                                 [](const PassReport& report) { return report.nbConflicts > 0; });
+  std::cout << "  contradictions = " << builder.conflicts().size() << "\n"
+            << "  first contradiction = " << e->toString() << constraintOf(model, e) << ", met by "
+            << pass->name << "\n";
+}
+
 void printClosed(const OXModel& model) {
   const DagBuilder& builder = *ModelRecord::dagBuilder(model);
   long long nbFixed = 0;
@@ -73,7 +121,11 @@ void printClosed(const OXModel& model) {
   std::cout << "Closed model:\n"
             << "  inconsistent = " << (builder.isInconsistent() ? "yes" : "no") << "\n"
             << "  expressions fixed = " << nbFixed << "\n";
-  if (!builder.isInconsistent()) printNodes(builder.getFixedFields());
+  if (builder.isInconsistent()) {
+    printContradiction(model);
+  } else {
+    printNodes(builder.getFixedFields());
+  }
 }
 
 }  // namespace
@@ -104,6 +156,7 @@ int runInfo(const CommandLine& line) {
   model.close();
   const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
   const long long memory = residentMemory() - memoryBefore;
+  printPasses(model);
   printClosed(model);
   std::cout << "  closing time = " << elapsed.count() << " sec\n"
             << "  closing memory = " << static_cast<double>(memory) / 1e6 << " MB\n";

@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "builder/passreport.h"
 #include "solver/kernel/dagfixedfields.h"
 #include "solver/kernel/oxvalue.h"
 #include "solver/move/constraintanalysis.h"
@@ -54,6 +55,9 @@ public:
   /// The expressions at which contradictions were met.
   const std::vector<OXExpression*>& conflicts() const { return conflictingExpressions; }
 
+  /// One for each pass that ran, in their order.
+  const std::vector<PassReport>& passReports() const { return reports; }
+
   const ConstraintAnalysis& constraintAnalysis() const { return *analysis; }
   const MoveAnalysis& moveAnalysis() const { return *plannedMoves; }
 
@@ -70,6 +74,7 @@ private:
   DagFixedFields fixedFields;
   std::vector<std::uint32_t> nodeIds;
   std::vector<OXExpression*> conflictingExpressions;
+  std::vector<PassReport> reports;
   std::vector<OXValue> lowers;
   std::vector<OXValue> uppers;
   std::vector<bool> fixed;

@@ -1,5 +1,6 @@
 #include "builder/dagbuilder.h"
 
+#include <chrono>
 #include <utility>
 
 #include "builder/modelrecord.h"
@@ -22,14 +23,36 @@ bool isEnabled(const OXModel& model, const char* key) {
   return SolverRecord::advancedParam(ModelRecord::ombrix(model), key, 1) != 0;
 }
 
+/// Runs a pass and reports what it changed, from the counts before and after it.
+template <typename Pass>
+PassReport runPass(const char* name, Preprocessor& preprocessor) {
+  preprocessor.counts = {};
+  const std::size_t nbConflictsBefore = preprocessor.conflicts.size();
+  const auto start = std::chrono::steady_clock::now();
+  Pass(preprocessor).run();
+  const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+  return {name, preprocessor.counts, preprocessor.conflicts.size() - nbConflictsBefore,
+          elapsed.count()};
+}
+
 /// The passes over the bounds, in the order in which each builds on what the ones before it found.
-void runPasses(Preprocessor& preprocessor) {
+std::vector<PassReport> runPasses(Preprocessor& preprocessor) {
+  std::vector<PassReport> reports;
   const OXModel& model = *preprocessor.model;
-  if (!isEnabled(model, "preprocessingEnabled")) return;
-  if (isEnabled(model, "computeBoundsEnabled")) BoundsCalculator(preprocessor).run();
-  if (isEnabled(model, "inferBoundsEnabled")) BoundsInferrer(preprocessor).run();
-  if (isEnabled(model, "findConstantsEnabled")) ConstantFinder(preprocessor).run();
-  if (isEnabled(model, "findUnariesEnabled")) UnaryFinder(preprocessor).run();
+  if (!isEnabled(model, "preprocessingEnabled")) return reports;
+  if (isEnabled(model, "computeBoundsEnabled")) {
+    reports.push_back(runPass<BoundsCalculator>("computeBounds", preprocessor));
+  }
+  if (isEnabled(model, "inferBoundsEnabled")) {
+    reports.push_back(runPass<BoundsInferrer>("inferBounds", preprocessor));
+  }
+  if (isEnabled(model, "findConstantsEnabled")) {
+    reports.push_back(runPass<ConstantFinder>("findConstants", preprocessor));
+  }
+  if (isEnabled(model, "findUnariesEnabled")) {
+    reports.push_back(runPass<UnaryFinder>("findUnaries", preprocessor));
+  }
+  return reports;
 }
 
 std::size_t indexOf(const OXExpression& e) {
@@ -50,8 +73,10 @@ DagBuilder::DagBuilder(OXModel* closedModel) : model(closedModel) {
 
 void DagBuilder::transform() {
   Preprocessor preprocessor(*model, fixedFields);
-  runPasses(preprocessor);
-  if (preprocessor.conflicts.empty()) NodeCreator(preprocessor).run();
+  reports = runPasses(preprocessor);
+  if (preprocessor.conflicts.empty()) {
+    reports.push_back(runPass<NodeCreator>("createNodes", preprocessor));
+  }
   nodeIds = std::move(preprocessor.nodeIds);
   lowers = std::move(preprocessor.lowerBounds);
   uppers = std::move(preprocessor.upperBounds);

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -133,6 +134,87 @@ TEST(DagBuilderPasses, AnIndexOutsideItsArrayIsAContradictionWhenInferred) {
   m.minimize(m.make(OXOperator::At, m.array(7, m.boolean()), 5));
   m.close();
   EXPECT_TRUE(m.builder().isInconsistent());
+}
+
+/// The report of one pass over a closed model.
+const PassReport& reportOf(TestModel& m, const std::string& name) {
+  for (const PassReport& report : m.builder().passReports()) {
+    if (report.name == name) return report;
+  }
+  throw std::runtime_error("no report of " + name);
+}
+
+std::vector<std::string> reportedPasses(TestModel& m) {
+  std::vector<std::string> names;
+  for (const PassReport& report : m.builder().passReports()) names.push_back(report.name);
+  return names;
+}
+
+TEST(DagBuilderPasses, EachPassThatRunsReportsInItsPlace) {
+  TestModel all;
+  all.minimize(all.boolean());
+  all.close();
+  EXPECT_THAT(reportedPasses(all), ElementsAre("computeBounds", "inferBounds", "findConstants",
+                                               "findUnaries", "createNodes"));
+  TestModel some;
+  some.set("inferBoundsEnabled", 0);
+  some.minimize(some.boolean());
+  some.close();
+  EXPECT_THAT(reportedPasses(some),
+              ElementsAre("computeBounds", "findConstants", "findUnaries", "createNodes"));
+  TestModel none;
+  none.set("preprocessingEnabled", 0);
+  none.minimize(none.boolean());
+  none.close();
+  EXPECT_THAT(reportedPasses(none), ElementsAre("createNodes"));
+}
+
+TEST(DagBuilderPasses, ReportsCountWhatThePassItselfChanged) {
+  TestModel m;
+  OXExpression* a = m.boolean();
+  OXExpression* b = m.boolean();
+  m.constrain(m.make(OXOperator::And, a, b));
+  OXExpression* forced = m.make(OXOperator::Sum, a, b);
+  m.minimize(m.make(OXOperator::Sum, forced, m.make(OXOperator::Max, m.boolean())));
+  m.close();
+  // The sums and the maximum leave the widest interval of an integer; the two decisions and the
+  // constraint become 1; the sum of the two follows from them; the maximum is its operand.
+  EXPECT_EQ(reportOf(m, "computeBounds").counts.nbNarrowed, 3);
+  EXPECT_EQ(reportOf(m, "computeBounds").counts.nbFixed, 0);
+  EXPECT_EQ(reportOf(m, "inferBounds").counts.nbNarrowed, 3);
+  EXPECT_EQ(reportOf(m, "inferBounds").counts.nbFixed, 2);
+  EXPECT_EQ(reportOf(m, "findConstants").counts.nbFixed, 2);
+  EXPECT_EQ(reportOf(m, "findConstants").counts.nbReplaced, 0);
+  EXPECT_EQ(reportOf(m, "findUnaries").counts.nbReplaced, 1);
+  EXPECT_EQ(reportOf(m, "findUnaries").counts.nbNarrowed, 0);
+  for (const PassReport& report : m.builder().passReports()) {
+    EXPECT_EQ(report.nbConflicts, 0U) << report.name;
+    EXPECT_GE(report.seconds, 0.0) << report.name;
+  }
+}
+
+TEST(DagBuilderPasses, ADoubleIntervalIsNarrowedOnlyWhenItShrinks) {
+  TestModel m;
+  OXExpression* x = m.make(OXOperator::Prod, 2.5, m.boolean());
+  m.constrain(m.make(OXOperator::Leq, x, 3.0));
+  m.minimize(x);
+  m.close();
+  // The product and the comparison, which holds for every x: nothing is left to narrow.
+  EXPECT_EQ(reportOf(m, "computeBounds").counts.nbNarrowed, 2);
+  EXPECT_EQ(reportOf(m, "inferBounds").counts.nbNarrowed, 0);
+}
+
+TEST(DagBuilderPasses, AContradictionIsReportedByThePassThatMeetsIt) {
+  TestModel m;
+  OXExpression* tooMuch =
+      m.make(OXOperator::Geq, m.make(OXOperator::Sum, m.boolean(), m.boolean()), 3);
+  m.constrain(tooMuch);
+  m.minimize(m.boolean());
+  m.close();
+  EXPECT_EQ(reportOf(m, "computeBounds").nbConflicts, 0U);
+  EXPECT_GE(reportOf(m, "inferBounds").nbConflicts, 1U);
+  EXPECT_THAT(m.builder().conflicts(), Contains(tooMuch));
+  EXPECT_THAT(reportedPasses(m), Not(Contains("createNodes")));
 }
 
 }  // namespace

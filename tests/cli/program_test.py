@@ -448,6 +448,32 @@ class Information(ProgramTest):
         result = self.run_program("info", self.model(CONTRADICTION))
         self.assertEqual(result.returncode, 0, result)
         self.assertIn("\n  inconsistent = yes\n", result.stdout)
+        self.assertRegex(
+            result.stdout,
+            r"\n  first contradiction = Expression \d+ \(type = geq\), constraint 0, met by inferBounds\n",
+        )
+        self.assertNotIn("createNodes", result.stdout)
+
+    def test_info_tells_what_each_pass_did(self):
+        # x1 is forced by the constraint, so that the product of it and x2 is x2.
+        text = "min: +1 x1 x2 +1 x3 ;\n+1 x1 >= 1 ;\n+1 x2 +1 x3 >= 1 ;\n"
+        result = self.run_program("info", self.model(text))
+        self.assertEqual(result.returncode, 0, result)
+        report = re.search(r"\nPasses:\n((?:  .*\n)*)", result.stdout).group(1).splitlines()
+        names = ["computeBounds", "inferBounds", "findConstants", "findUnaries", "createNodes"]
+        self.assertEqual([line.split(":")[0].strip() for line in report], names)
+        for line in report:
+            self.assertRegex(line, r", time = [0-9.e-]+ sec$")
+        self.assertRegex(report[0], "bounds narrowed = [1-9]")
+        self.assertRegex(report[1], "bounds narrowed = [1-9][0-9]*, constants proved = 1,")
+        self.assertRegex(report[3], "expressions replaced = [1-9]")
+        self.assertRegex(report[4], "nodes saved = [1-9]")
+
+    def test_info_leaves_out_a_pass_that_is_off(self):
+        result = self.run_program("info", self.model(COVER), "--set", "findUnariesEnabled=0")
+        self.assertEqual(result.returncode, 0, result)
+        self.assertNotIn("findUnaries:", result.stdout)
+        self.assertIn("findConstants:", result.stdout)
 
 
 class Signals(ProgramTest):

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "builder/modelrecord.h"
+#include "builder/passreport.h"
 #include "solver/kernel/intervals.h"
 #include "solver/kernel/oxvalue.h"
 
@@ -41,6 +42,8 @@ struct Preprocessor {
   /// In the member of the type of the expression; an "array" keeps zeros.
   std::vector<OXValue> lowerBounds;
   std::vector<OXValue> upperBounds;
+  /// What the passes have changed since the state was made.
+  PassCounts counts;
 
   static std::size_t at(const OXExpression& e) {
     return static_cast<std::size_t>(ModelRecord::index(e));
@@ -70,7 +73,17 @@ struct Preprocessor {
     intersectDoubleBounds(e, bounds.low, bounds.high);
   }
   void fixTo(OXExpression& e, std::int64_t value) { intersectIntBounds(e, value, value); }
-  void markFixed(const OXExpression& e) { fixed[at(e)] = true; }
+  void markFixed(const OXExpression& e) {
+    if (fixed[at(e)]) return;
+    fixed[at(e)] = true;
+    ++counts.nbFixed;
+  }
+  /// Makes another expression the canonical one of e; e itself is no replacement.
+  void replace(const OXExpression& e, OXExpression& replacement) {
+    if (&e == &replacement) return;
+    unaries[at(e)] = &replacement;
+    ++counts.nbReplaced;
+  }
   /// Whether both bounds are equal: exactly for booleans and integers, within tolerance for
   /// doubles.
   bool hasEqualBounds(const OXExpression& e) const;

@@ -26,6 +26,7 @@ Preprocessor::Preprocessor(OXModel& closedModel, DagFixedFields& fields)
   countUses();
   collectRoots();
   for (const OXExpression* e : unaries) initBounds(*e);
+  counts = {};  // constants of the model are nothing that a pass proves
 }
 
 void Preprocessor::countUses() {
@@ -75,9 +76,11 @@ DoubleInterval Preprocessor::doubleBounds(const OXExpression& e) const {
 }
 
 void Preprocessor::intersectIntBounds(OXExpression& e, std::int64_t low, std::int64_t high) {
-  const std::int64_t newLow = std::max(low, lowerBounds[at(e)].intValue);
-  const std::int64_t newHigh = std::min(high, upperBounds[at(e)].intValue);
+  const IntInterval known = intBounds(e);
+  const std::int64_t newLow = std::max(low, known.low);
+  const std::int64_t newHigh = std::min(high, known.high);
   if (newLow <= newHigh) {
+    if (newLow != known.low || newHigh != known.high) ++counts.nbNarrowed;
     setBounds(e, OXValue::ofInt(newLow), OXValue::ofInt(newHigh));
   } else {
     conflicts.push_back(&e);
@@ -86,9 +89,11 @@ void Preprocessor::intersectIntBounds(OXExpression& e, std::int64_t low, std::in
 
 void Preprocessor::intersectDoubleBounds(OXExpression& e, double low, double high) {
   if (std::isnan(low) || std::isnan(high)) return;
-  const double newLow = std::max(low, lowerBounds[at(e)].doubleValue);
-  const double newHigh = std::min(high, upperBounds[at(e)].doubleValue);
+  const DoubleInterval known = doubleBounds(e);
+  const double newLow = std::max(low, known.low);
+  const double newHigh = std::min(high, known.high);
   if (newLow <= newHigh) {
+    if (newLow != known.low || newHigh != known.high) ++counts.nbNarrowed;
     setBounds(e, OXValue::ofDouble(newLow), OXValue::ofDouble(newHigh));
   } else if (approxEqual(newLow, newHigh)) {
     setBounds(e, OXValue::ofDouble(newHigh), OXValue::ofDouble(newLow));

@@ -14,7 +14,7 @@ void UnaryFinder::run() {
   for (OXExpression* e : ModelRecord::expressions(*model)) {
     OXExpression* x = e;
     while (OXExpression* replacement = findReplacement(*x)) x = replacement;
-    preprocessor->unaries[Preprocessor::at(*e)] = x;
+    preprocessor->replace(*e, *x);
   }
 }
 
