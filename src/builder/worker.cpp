@@ -30,6 +30,7 @@ PoolSettings readPoolSettings(const Ombrix& solver) {
   settings.largeMirrorSize = positiveParam(solver, "largeMirrorSize", 50);
   settings.largeRollSize = positiveParam(solver, "largeRollSize", 50);
   settings.basicMovesEnabled = isEnabled(solver, "basicMovesEnabled");
+  settings.advancedMovesEnabled = isEnabled(solver, "advancedMovesEnabled");
   settings.tspMovesEnabled = isEnabled(solver, "tspMovesEnabled");
   settings.moveBalanceEnabled = isEnabled(solver, "moveBalanceEnabled");
   settings.moveSwapEnabled = isEnabled(solver, "moveSwapEnabled");
@@ -41,6 +42,8 @@ PoolSettings readPoolSettings(const Ombrix& solver) {
   settings.moveRollEnabled = isEnabled(solver, "moveRollEnabled");
   settings.moveScrambleEnabled = isEnabled(solver, "moveScrambleEnabled");
   settings.moveMirrorEnabled = isEnabled(solver, "moveMirrorEnabled");
+  settings.moveBinPackingEnabled = isEnabled(solver, "moveBinPackingEnabled");
+  settings.moveEjectionChainEnabled = isEnabled(solver, "moveEjectionChainEnabled");
   return settings;
 }
 
@@ -79,7 +82,7 @@ Worker::Worker(Ombrix& owner) : solver(&owner) {
   heuristic->setMoveExploration(isEnabled(owner, "moveExplorationEnabled"));
   readParameters();
   fillMovePool(heuristic->movePool, *basicMoveStructure, builder.moveAnalysis().doubleComparisons,
-               readPoolSettings(owner));
+               readPoolSettings(owner), autonomousStructure.get());
 }
 
 Worker::~Worker() = default;

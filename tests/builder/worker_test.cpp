@@ -121,14 +121,36 @@ TEST_F(IntegralNodeOfDoubleObjective, HasNoBoundBelowAllIntegers) {
 
 TEST_F(WorkerTest, ANeighborhoodSizeOf0LeavesTheSimpleFlip) {
   solver.getParam()->setAdvancedParam("neighborhoodSize", 0);
+  solver.getParam()->setAdvancedParam("advancedMovesEnabled", 0);
   closeKnapsack();
   Worker worker(solver);
   EXPECT_EQ(moveNames(worker).size(), 1u);
 }
 
+TEST_F(WorkerTest, MirrorsTheConstraintsForTheMovesThatPlan) {
+  solver.getParam()->setAdvancedParam("basicMovesEnabled", 0);
+  solver.getParam()->setAdvancedParam("tspMovesEnabled", 0);
+  solver.getParam()->setAdvancedParam("moveEjectionChainEnabled", 0);
+  closeKnapsack();
+  Worker worker(solver);
+  EXPECT_EQ(worker.autonomousStructure->dynamicNodes.size(),
+            worker.autonomousStructure->moveAnalysis->staticNodes.size());
+  EXPECT_FALSE(worker.autonomousStructure->dynamicNodes.empty());
+  EXPECT_EQ(moveNames(worker), (std::vector<std::string>{"2-BinPacking", "3-BinPacking",
+                                                         "4-BinPacking", "1-SimpleFlip"}));
+}
+
+TEST_F(WorkerTest, HasNoMirrorWithoutTheMovesThatPlan) {
+  solver.getParam()->setAdvancedParam("advancedMovesEnabled", 0);
+  closeKnapsack();
+  Worker worker(solver);
+  EXPECT_TRUE(worker.autonomousStructure->dynamicNodes.empty());
+}
+
 TEST_F(WorkerTest, ANegativeParameterCountsAs0) {
   closeKnapsack();
   solver.getParam()->setAdvancedParam("neighborhoodSize", -3);
+  solver.getParam()->setAdvancedParam("advancedMovesEnabled", 0);
   Worker worker(solver);
   EXPECT_EQ(moveNames(worker).size(), 1u);
 }

@@ -5,6 +5,7 @@
 #include <span>
 
 #include "solver/kernel/movepool.h"
+#include "solver/move/autonomousstructure.h"
 #include "solver/move/basicmovestructure.h"
 
 namespace ombrix {
@@ -16,7 +17,8 @@ struct PoolSettings {
   std::uint32_t largeMirrorSize = 50;  ///< rows that a large mirror turns at most
   std::uint32_t largeRollSize = 50;
   bool basicMovesEnabled = true;
-  bool tspMovesEnabled = true;  ///< the moves on runs of exactly-one lists
+  bool advancedMovesEnabled = true;  ///< the moves that plan
+  bool tspMovesEnabled = true;       ///< the moves on runs of exactly-one lists
   bool moveBalanceEnabled = true;
   bool moveSwapEnabled = true;  ///< the large mirrors too
   bool moveFlipEnabled = true;
@@ -27,13 +29,17 @@ struct PoolSettings {
   bool moveRollEnabled = true;
   bool moveScrambleEnabled = true;
   bool moveMirrorEnabled = true;
+  bool moveBinPackingEnabled = true;
+  bool moveEjectionChainEnabled = true;
 };
 
 /// Fills the pool of one worker with the moves that suit its model, in a fixed order and with fixed
-/// weights. doubleComparisons are the nodes that compare doubles by equality or by a bound they may
-/// reach; the span outlives the pool.
+/// weights. Without a mirror of the constraints there are no moves that plan. doubleComparisons are
+/// the nodes that compare doubles by equality or by a bound they may reach; the span outlives the
+/// pool.
 void fillMovePool(MovePool& pool, BasicMoveStructure& structure,
-                  std::span<const std::uint32_t> doubleComparisons, const PoolSettings& settings);
+                  std::span<const std::uint32_t> doubleComparisons, const PoolSettings& settings,
+                  AutonomousStructure* mirror = nullptr);
 
 }  // namespace ombrix
 

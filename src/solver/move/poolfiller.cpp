@@ -6,6 +6,8 @@
 #include <tuple>
 #include <utility>
 
+#include "solver/move/movebinpacking.h"
+#include "solver/move/moveejectionchain.h"
 #include "solver/move/movefloatbalance.h"
 #include "solver/move/movefloatsimplekflip.h"
 #include "solver/move/movefloattight.h"
@@ -47,9 +49,11 @@ constexpr std::uint32_t kLargeWeight = 8;
 /// Adds the moves of one worker, family by family.
 class PoolFiller {
 public:
-  PoolFiller(MovePool& target, BasicMoveStructure& lists, const PoolSettings& options)
+  PoolFiller(MovePool& target, BasicMoveStructure& lists, const PoolSettings& options,
+             AutonomousStructure* constraintMirror)
       : pool(target),
         structure(lists),
+        planStructure(constraintMirror),
         settings(options),
         rate(options.targetingRate),
         dag(*lists.dag),
@@ -60,7 +64,7 @@ public:
   void fill(std::span<const std::uint32_t> doubleComparisons) {
     if (fields.nbBooleanVars > 0) {
       if (settings.tspMovesEnabled) addRunMoves();
-      // The planned moves, over the constraint nodes, go between these two families.
+      if (settings.advancedMovesEnabled && planStructure != nullptr) addPlannedMoves();
       if (settings.basicMovesEnabled) addBasicMoves();
       addSimpleFlip();
     }
@@ -99,6 +103,19 @@ private:
       addSized<MoveKScramble>(kScrambleWeights, k, settings.moveScrambleEnabled && k >= 4, k);
       addSized<MoveKMirror>(kMirrorWeights, k, settings.moveMirrorEnabled, k, k);
     }
+  }
+
+  void addPlannedMoves() {
+    if (planStructure->moveAnalysis->staticNodes.empty()) return;
+    if (settings.moveBinPackingEnabled) addPlanned<MoveBinPacking>();
+    if (settings.moveEjectionChainEnabled) addPlanned<MoveEjectionChain>();
+  }
+
+  template <class M>
+  void addPlanned() {
+    add<M>(2u, 2u, 1u, rate, *planStructure);
+    add<M>(3u, 3u, 1u, rate, *planStructure);
+    add<M>(4u, 4u, 2u, rate, *planStructure);
   }
 
   void addBasicMoves() {
@@ -152,6 +169,7 @@ private:
 
   MovePool& pool;
   BasicMoveStructure& structure;
+  AutonomousStructure* planStructure;
   const PoolSettings& settings;
   const std::uint32_t rate;
   Dag& dag;
@@ -163,8 +181,9 @@ private:
 }  // namespace
 
 void fillMovePool(MovePool& pool, BasicMoveStructure& structure,
-                  std::span<const std::uint32_t> doubleComparisons, const PoolSettings& settings) {
-  PoolFiller(pool, structure, settings).fill(doubleComparisons);
+                  std::span<const std::uint32_t> doubleComparisons, const PoolSettings& settings,
+                  AutonomousStructure* mirror) {
+  PoolFiller(pool, structure, settings, mirror).fill(doubleComparisons);
 }
 
 }  // namespace ombrix

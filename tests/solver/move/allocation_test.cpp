@@ -64,8 +64,11 @@ TEST(Allocation, NoneInAnIterationOnceWarm) {
   test::SearchGraph graph;
   buildAssignment(graph.builder, 50);
   graph.start(3);
+  const MoveAnalysis analysis(graph.builder.fields, true);
+  AutonomousStructure mirror(*graph.dag, analysis, graph.rng);
+  mirror.rebuild();
   HeuristicAutoAnnealing heuristic(*graph.dag, &graph.rng);
-  fillMovePool(heuristic.movePool, *graph.structure, {}, PoolSettings{});
+  fillMovePool(heuristic.movePool, *graph.structure, {}, PoolSettings{}, &mirror);
   heuristic.setAnnealingWindow(6);
   heuristic.reset();
   heuristic.iterationLimit = 20000;

@@ -13,10 +13,14 @@ class PoolFillerTest : public testing::Test {
 protected:
   /// "name*weight" of every move in the pool, in order.
   std::string fill(const PoolSettings& settings,
-                   const std::vector<std::uint32_t>& doubleComparisons = {}) {
+                   const std::vector<std::uint32_t>& doubleComparisons = {},
+                   bool isMirrored = false) {
     graph.start();
+    const MoveAnalysis analysis(graph.builder.fields, isMirrored);
+    AutonomousStructure mirror(*graph.dag, analysis, graph.rng);
     MovePool pool;
-    fillMovePool(pool, *graph.structure, doubleComparisons, settings);
+    fillMovePool(pool, *graph.structure, doubleComparisons, settings,
+                 isMirrored ? &mirror : nullptr);
     std::string text;
     for (const auto& move : pool.moves) {
       text += (text.empty() ? "" : " ") + move->name + "*" + std::to_string(move->initialWeight);
@@ -228,6 +232,47 @@ TEST_F(PoolFillerTest, ATargetingRateAboveAHundredIsRefusedByTheFirstMoveThatMin
   settings.targetingRate = 110;
   test::expectFailure(kInternal, "MoveKFlip::MoveKFlip", "Targeting rate must be smaller than 100.",
                       [&] { fill(settings); });
+}
+
+TEST_F(PoolFillerTest, MovesThatPlanStandBetweenTheRunsAndTheBasicOnes) {
+  buildLists(0, 2);
+  PoolSettings settings;
+  settings.neighborhoodSize = 2;
+  const std::string text = fill(settings, {}, true);
+  const std::string planned =
+      " 2-BinPacking*1 3-BinPacking*1 4-BinPacking*1 2-EjectionChain*1 3-EjectionChain*1 "
+      "4-EjectionChain*1 1-Balance*4 ";
+  EXPECT_NE(text.find(planned), std::string::npos) << text;
+  EXPECT_LT(text.find("-Mirror"), text.find("2-BinPacking"));
+}
+
+TEST_F(PoolFillerTest, MovesThatPlanHaveTheirSwitches) {
+  buildLists(0, 2);
+  const auto has = [this](const PoolSettings& settings, bool isMirrored, const char* name) {
+    graph.structure.reset();
+    return fill(settings, {}, isMirrored).find(name) != std::string::npos;
+  };
+  EXPECT_TRUE(has({}, true, "BinPacking"));
+  EXPECT_FALSE(has({}, false, "BinPacking"));
+  PoolSettings off;
+  off.moveBinPackingEnabled = false;
+  EXPECT_FALSE(has(off, true, "BinPacking"));
+  EXPECT_TRUE(has(off, true, "EjectionChain"));
+  off = {};
+  off.moveEjectionChainEnabled = false;
+  EXPECT_TRUE(has(off, true, "BinPacking"));
+  EXPECT_FALSE(has(off, true, "EjectionChain"));
+  off = {};
+  off.advancedMovesEnabled = false;
+  EXPECT_FALSE(has(off, true, "BinPacking"));
+  EXPECT_FALSE(has(off, true, "EjectionChain"));
+}
+
+TEST_F(PoolFillerTest, WithoutConstraintsOnDecisionsAloneNoMovePlans) {
+  graph.builder.minimise(graph.builder.node(NodeType::BooleanSum, graph.builder.booleans(3)));
+  const std::string text = fill({}, {}, true);
+  EXPECT_EQ(text.find("BinPacking"), std::string::npos);
+  EXPECT_EQ(text.find("EjectionChain"), std::string::npos);
 }
 
 }  // namespace
