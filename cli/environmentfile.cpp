@@ -28,7 +28,7 @@ constexpr std::size_t kMagicLength = 7;
 
 /// A failure of the library in one line, behind the file that it is about.
 std::string told(const std::string& fileName, const OXException& failure) {
-  const std::string text = failure.getExplanation();
+  const std::string& text = failure.getExplanation();
   // Failures to open name the file themselves.
   return text.ends_with(fileName) ? text : fileName + ": " + text;
 }
