@@ -280,11 +280,11 @@ class Environments(ProgramTest):
 
     def test_info_is_that_of_the_model(self):
         self.assert_good(self.run_program("convert", self.model(COVER), "m.oxm"))
-        lines = [
-            [line for line in self.assert_good(self.run_program("info", name)).splitlines()
-             if "closing" not in line]
+        texts = [
+            re.sub(r"time = \S+", "time = T", self.assert_good(self.run_program("info", name)))
             for name in ("model.opb", "m.oxm")
         ]
+        lines = [[line for line in text.splitlines() if "closing" not in line] for text in texts]
         self.assertEqual(*lines)
 
     def test_show(self):
