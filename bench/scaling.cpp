@@ -15,7 +15,6 @@ namespace {
 
 using ombrix::Ombrix;
 using ombrix::OXParam;
-using ombrix::OXPhase;
 using Clock = std::chrono::steady_clock;
 
 double secondsSince(Clock::time_point start) {
@@ -40,44 +39,79 @@ void configure(OXParam& param, Pool pool) {
   }
 }
 
-/// Attempted moves per second of wall clock, over an iteration limit per thread.
-double movesPerSecond(Ombrix& solver, int nbThreads, long long nbIterations) {
-  solver.getParam()->setNbThreads(nbThreads);
-  solver.getPhase(0)->setIterationLimit(nbIterations);
-  // A first short search builds the workers, so that only the search itself is timed.
-  solver.solve();
+/// Builds and closes a model; tells the seconds of both.
+struct ClosedModel {
+  ClosedModel(const ombrix::bench::Family& family, int nbDecisions, Pool pool) {
+    auto start = Clock::now();
+    family.build(*solver.getModel(), nbDecisions, 1);
+    buildSeconds = secondsSince(start);
+    // What the search needs for the advanced moves is part of closing only when they are on.
+    if (pool == Pool::Flips) solver.getParam()->setAdvancedParam("advancedMovesEnabled", 0);
+    start = Clock::now();
+    solver.getModel()->close();
+    closeSeconds = secondsSince(start);
+    configure(*solver.getParam(), pool);
+    solver.createPhase();
+  }
+
+  /// A search of so many iterations on each thread.
+  void solve(int nbThreads, long long nbIterations) {
+    solver.getParam()->setNbThreads(nbThreads);
+    solver.getPhase(0)->setIterationLimit(nbIterations);
+    solver.solve();
+  }
+
+  Ombrix solver;
+  double buildSeconds = 0.0;
+  double closeSeconds = 0.0;
+};
+
+/// Attempted moves per second of wall clock. Every figure comes from a fresh solver, since the
+/// speed of a search changes along its way; a first search of one iteration builds the workers and
+/// makes the start feasible, so that only the loop is timed.
+double movesPerSecond(const ombrix::bench::Family& family, int nbDecisions, Pool pool,
+                      int nbThreads, long long nbIterations) {
+  ClosedModel model(family, nbDecisions, pool);
+  model.solve(nbThreads, 1);
   const auto start = Clock::now();
-  solver.solve();
+  model.solve(nbThreads, nbIterations);
   const double seconds = secondsSince(start);
-  return static_cast<double>(solver.getStatistics()->getNbMoves()) / seconds;
+  return static_cast<double>(model.solver.getStatistics()->getNbMoves()) / seconds;
+}
+
+struct Size {
+  double nbExpressions;
+  double nbOperands;
+  double bytes;
+};
+
+/// The heap that a model takes when it is closed and one worker stands.
+Size measureSize(const ombrix::bench::Family& family, int nbDecisions, Pool pool) {
+  const double heapBefore = heapBytes();
+  ClosedModel model(family, nbDecisions, pool);
+  model.solve(1, 1);
+  const double nbExpressions = model.solver.getModel()->getNbExpressions();
+  const double nbOperands = model.solver.getModel()->getNbOperands();
+  return {nbExpressions, nbOperands, heapBytes() - heapBefore};
 }
 
 void measure(const ombrix::bench::Family& family, int nbDecisions, Pool pool,
              long long nbIterations) {
-  const double heapBefore = heapBytes();
-  Ombrix solver;
-  auto start = Clock::now();
-  family.build(*solver.getModel(), nbDecisions, 1);
-  const double buildSeconds = secondsSince(start);
-  // What the search needs for the advanced moves is part of closing only when they are on.
-  if (pool == Pool::Flips) solver.getParam()->setAdvancedParam("advancedMovesEnabled", 0);
-  start = Clock::now();
-  solver.getModel()->close();
-  const double closeSeconds = secondsSince(start);
-  configure(*solver.getParam(), pool);
-  const double nbExpressions = solver.getModel()->getNbExpressions();
-  const double nbOperands = solver.getModel()->getNbOperands();
-  OXPhase* phase = solver.createPhase();
-  phase->setIterationLimit(1);
-  solver.getParam()->setNbThreads(1);
-  solver.solve();
-  const double bytes = heapBytes() - heapBefore;
-  const double one = movesPerSecond(solver, 1, nbIterations);
-  const double two = movesPerSecond(solver, 2, nbIterations);
+  const Size size = measureSize(family, nbDecisions, pool);
+  double buildSeconds = 0.0;
+  double closeSeconds = 0.0;
+  {
+    const ClosedModel model(family, nbDecisions, pool);
+    buildSeconds = model.buildSeconds;
+    closeSeconds = model.closeSeconds;
+  }
+  const double one = movesPerSecond(family, nbDecisions, pool, 1, nbIterations);
+  const double two = movesPerSecond(family, nbDecisions, pool, 2, nbIterations);
   std::printf("%s,%d,%s,%.0f,%.0f,%.3f,%.3f,%.0f,%.1f,%.0f,%.0f,%.2f\n", family.name.c_str(),
-              nbDecisions, pool == Pool::Flips ? "flips" : "default", nbExpressions, nbOperands,
-              buildSeconds, closeSeconds, nbExpressions / (buildSeconds + closeSeconds),
-              (bytes - 24 * nbOperands) / nbExpressions, one, two, two / one);
+              nbDecisions, pool == Pool::Flips ? "flips" : "default", size.nbExpressions,
+              size.nbOperands, buildSeconds, closeSeconds,
+              size.nbExpressions / (buildSeconds + closeSeconds),
+              (size.bytes - 24 * size.nbOperands) / size.nbExpressions, one, two, two / one);
   std::fflush(stdout);
 }
 
