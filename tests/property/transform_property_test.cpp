@@ -465,5 +465,49 @@ TEST(Transformation, TheGraphOfAPreprocessedModelAgreesWithTheModel) {
   }
 }
 
+/// The values of the objectives as they stand in the public solution, as doubles.
+std::vector<double> objectiveValues(OXModel& model) {
+  std::vector<double> values;
+  for (int i = 0; i < model.getNbObjectives(); ++i) {
+    const OXExpression* objective = model.getObjective(i);
+    values.push_back(objective->isDouble() ? objective->getDoubleValue()
+                                           : static_cast<double>(objective->getIntValue()));
+  }
+  return values;
+}
+
+/// Writing the decisions again makes the solution forget what the search told of all else.
+void forgetSearch(OXModel& model) {
+  for (int i = 0; i < model.getNbDecisions(); ++i) {
+    OXExpression* decision = model.getDecision(i);
+    decision->setValue(decision->getIntValue());
+  }
+}
+
+void solveAndCompare(unsigned seed) {
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  test::TestModel m;
+  closeRandomModel(m, seed, false, false);
+  m.solver.getParam()->setVerbosity(0);
+  m.solver.getParam()->setSeed(static_cast<int>(seed));
+  m.set("syncIterations", 200);
+  m.solver.createPhase()->setIterationLimit(500);
+  m.solver.solve();
+  const OXSolutionStatus status = m.solver.getSolution()->getStatus();
+  const std::vector<double> found = objectiveValues(m.model());
+  forgetSearch(m.model());
+  EXPECT_EQ(status != OXSolutionStatus::Infeasible, holdsAllConstraints(m.model()));
+  const std::vector<double> computed = objectiveValues(m.model());
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    EXPECT_TRUE(approxEqual(found[i], computed[i])) << found[i] << " " << computed[i];
+  }
+}
+
+TEST(Search, WhatItTellsOfItsBestSolutionFollowsFromTheDecisions) {
+  for (unsigned seed = 1; seed <= 300 && !testing::Test::HasFailure(); ++seed) {
+    solveAndCompare(seed);
+  }
+}
+
 }  // namespace
 }  // namespace ombrix
