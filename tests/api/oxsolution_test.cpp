@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include "api/ombrix.h"
+#include "support/solutionfixture.h"
 #include "tests/support/failures.h"
 
 namespace ombrix {
@@ -12,25 +13,7 @@ namespace {
 
 using test::expectFailure;
 
-class OXSolutionTest : public ::testing::Test {
-protected:
-  OXExpression* boolean() { return model.createExpression(OXOperator::Bool); }
-  OXExpression* constant(long long value) { return model.createConstant(value); }
-  OXExpression* make(OXOperator op, OXExpression* a) { return model.createExpression(op, a); }
-  OXExpression* make(OXOperator op, OXExpression* a, OXExpression* b) {
-    return model.createExpression(op, a, b);
-  }
-  void minimize(OXExpression* expr) { model.addObjective(expr, OXObjectiveDirection::Minimize); }
-  void maximize(OXExpression* expr) { model.addObjective(expr, OXObjectiveDirection::Maximize); }
-  OXSolution& close() {
-    if (model.getNbObjectives() == 0) minimize(constant(0));
-    model.close();
-    return *solver.getSolution();
-  }
-
-  Ombrix solver;
-  OXModel& model = *solver.getModel();
-};
+class OXSolutionTest : public test::SolutionFixture {};
 
 TEST_F(OXSolutionTest, AfterClosingEveryDecisionIsZero) {
   OXExpression* x = boolean();

@@ -3,29 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "api/ombrix.h"
+#include "support/solutionfixture.h"
 
 namespace ombrix {
 namespace {
 
-class OXSolutionStatusTest : public ::testing::Test {
-protected:
-  OXExpression* boolean() { return model.createExpression(OXOperator::Bool); }
-  OXExpression* constant(long long value) { return model.createConstant(value); }
-  OXExpression* make(OXOperator op, OXExpression* a) { return model.createExpression(op, a); }
-  OXExpression* make(OXOperator op, OXExpression* a, OXExpression* b) {
-    return model.createExpression(op, a, b);
-  }
-  void minimize(OXExpression* expr) { model.addObjective(expr, OXObjectiveDirection::Minimize); }
-  void maximize(OXExpression* expr) { model.addObjective(expr, OXObjectiveDirection::Maximize); }
-  OXSolution& close() {
-    if (model.getNbObjectives() == 0) minimize(constant(0));
-    model.close();
-    return *solver.getSolution();
-  }
-
-  Ombrix solver;
-  OXModel& model = *solver.getModel();
-};
+class OXSolutionStatusTest : public test::SolutionFixture {};
 
 TEST_F(OXSolutionStatusTest, TheStatusBeforeAnySearchIsThatOfAllZero) {
   OXExpression* x = boolean();
