@@ -60,7 +60,8 @@ bool MovePlanned::plan() {
   for (std::uint32_t step = 0; step <= maxSteps && nbFailures <= kMaxFailures; ++step) {
     if (structure->violatedNodes.size() == 0) break;
     if (!trim()) return false;
-    if (step >= kFirstOwnStep && tryOwnStep()) continue;
+    const bool isOpen = structure->violatedNodes.size() > 0;  // a drop can close the last one
+    if (step >= kFirstOwnStep && isOpen && tryOwnStep()) continue;
     if (!repair()) ++nbFailures;
   }
   return structure->pendingDecisions.size() > 0 &&

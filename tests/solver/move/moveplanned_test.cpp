@@ -194,23 +194,66 @@ TYPED_TEST(MovePlannedTest, ATargetBelowNoConstraintStartsAnywhere) {
   EXPECT_GT(nbBuilt, 0);
 }
 
+TYPED_TEST(MovePlannedTest, APlanGivesUpAfterElevenFailedRepairs) {
+  // Two sums that can never get below 0: whatever else is done, the repair of one of them fails.
+  auto& builder = this->graph.builder;
+  const auto x = builder.booleans(4);
+  for (std::size_t i = 0; i < 4; i += 2) {
+    const auto sum = builder.node(NodeType::BooleanSum, {x[i], x[i + 1]});
+    builder.constraint(builder.node(NodeType::Leq, {sum, builder.constant(-1)}));
+  }
+  this->graph.start();
+  auto move = this->make(100000, 2, 1, 0);
+  for (std::uint32_t seed = 1; seed < 50; ++seed) {
+    this->graph.rng = seed * 2654435761U;
+    test::Draws draws(this->graph.rng);
+    EXPECT_TRUE(move.apply());
+    move.finish(MoveStatus::Rejected);
+    int nbDraws = 0;
+    for (; draws.state != this->graph.rng && nbDraws < 100; ++nbDraws) draws.step();
+    EXPECT_LT(nbDraws, 100);
+    EXPECT_GE(nbDraws, 11);
+  }
+}
+
+/// Plans in a random graph, with a comparison after each move.
+template <class M>
+void planAtRandom(test::RandomPlan& random, std::uint32_t seed, std::uint32_t nbMoves) {
+  test::PlanGraph& own = random.graph;
+  const std::uint32_t size = 2 + seed % 3;
+  M move(*own.dag, own.rng, size, size, 1 + seed % 2, 50, *own.structure);
+  for (std::uint32_t i = 0; i < nbMoves && !testing::Test::HasFailure(); ++i) {
+    if (!move.apply()) {
+      EXPECT_EQ(own.nbPending(), 0u);
+      EXPECT_TRUE(own.dag->propagation.changedDecisions.empty());
+      move.finish(MoveStatus::Infeasible);
+    } else {
+      // The first changes, and at most one flip in each of the steps 0 to size.
+      EXPECT_LE(own.nbPending(), size + size + 1);
+      EXPECT_EQ(own.dag->propagation.changedDecisions.size(), own.nbPending());
+      EXPECT_TRUE(move.evaluate(0));
+      own.expectAgrees(own.dag->tValues);
+      move.finish(i % 2 == 0 ? MoveStatus::Accepted : MoveStatus::Rejected);
+    }
+    EXPECT_EQ(own.nbPending(), 0u);
+    own.expectAgrees(own.dag->values);
+  }
+}
+
 TYPED_TEST(MovePlannedTest, TheMirrorOfRandomGraphsAgreesAfterEveryMove) {
   for (std::uint32_t seed = 1; seed <= 60 && !testing::Test::HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
     test::RandomPlan random(seed, 1 + seed % 20);
-    test::PlanGraph& own = random.graph;
-    TypeParam move(*own.dag, own.rng, 2 + seed % 3, 2 + seed % 3, 1 + seed % 2, 50, *own.structure);
-    for (std::uint32_t i = 0; i < 60 && !testing::Test::HasFailure(); ++i) {
-      if (!move.apply()) {
-        EXPECT_EQ(own.nbPending(), 0u);
-        move.finish(MoveStatus::Infeasible);
-      } else {
-        EXPECT_TRUE(move.evaluate(0));
-        own.expectAgrees(own.dag->tValues);
-        move.finish(i % 2 == 0 ? MoveStatus::Accepted : MoveStatus::Rejected);
-      }
-      EXPECT_EQ(own.nbPending(), 0u);
-      own.expectAgrees(own.dag->values);
+    planAtRandom<TypeParam>(random, seed, 60);
+  }
+}
+
+TYPED_TEST(MovePlannedTest, TheMirrorOfWideRandomGraphsAgreesAfterEveryMove) {
+  for (const std::uint32_t width : {32u, 64u, 128u, 256u, 512u, 1024u, 1500u}) {
+    for (std::uint32_t seed = 1; seed <= 2 && !testing::Test::HasFailure(); ++seed) {
+      SCOPED_TRACE(std::to_string(width) + " operands, seed " + std::to_string(seed));
+      test::RandomPlan random(seed, width);
+      planAtRandom<TypeParam>(random, seed, 20);
     }
   }
 }
