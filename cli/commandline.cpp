@@ -7,6 +7,7 @@
 #include <climits>
 #include <limits>
 #include <memory>
+#include <set>
 #include <string_view>
 
 #include "cli/inputerror.h"
@@ -41,6 +42,7 @@ constexpr const char* kSolveFooter =
     "  ombrix solve model.opb --phase time=10,iterations=1000000 --phase time=50\n"
     "  ombrix solve model.opb --iterations 1000000 --seed 7 --set syncIterations=10000\n"
     "  ombrix solve model.opb --time 60 --save state.oxb.gz\n"
+    "  ombrix solve model.opb --time 60 --stats run.json --trace\n"
     "  ombrix solve state.oxb.gz";
 
 constexpr const char* kConvertFooter =
@@ -87,11 +89,13 @@ std::pair<std::string, std::string> splitAssignment(const std::string& text,
 
 PhaseOptions parsePhase(const std::string& text) {
   PhaseOptions phase;
+  std::set<std::string> keys;
   std::size_t begin = 0;
   while (begin <= text.size()) {
     const std::size_t comma = std::min(text.find(',', begin), text.size());
     const auto [key, value] = splitAssignment(text.substr(begin, comma - begin), "--phase");
     const std::string context = "--phase " + key;
+    if (!keys.insert(key).second) throw InputError(context + ": given twice");
     if (key == "time") {
       phase.time = parseNumber<int>(value, 1, context);
     } else if (key == "iterations") {
@@ -165,6 +169,7 @@ public:
       const auto [key, value] = splitAssignment(text, "--set");
       line.advancedParams.emplace_back(key, parseNumber<int>(value, INT_MIN, "--set " + key));
     }
+    if (trace) line.advancedParams.emplace_back("traceEnabled", 1);
     for (const std::string& text : phaseTexts) line.phases.push_back(parsePhase(text));
     if (line.phases.empty()) line.phases.push_back(single);
     line.output = parseOutput(output);
@@ -234,6 +239,12 @@ private:
                      "Write model, settings and solution to this environment file")
         ->type_name("FILE");
     solve
+        ->add_option("--stats", line.statisticsFile,
+                     "Write improvements and counters of the search as JSON to this file")
+        ->type_name("FILE");
+    solve->add_flag("--trace", trace,
+                    "Show the tables of moves and strategies of every thread with each display");
+    solve
         ->add_option("--output", output,
                      "plain, or pb for the lines of the pseudo-Boolean competitions")
         ->type_name("plain|pb");
@@ -243,7 +254,7 @@ private:
   std::string missingText(const CLI::RequiredError& error) const {
     const std::vector<std::string> unknown = app.remaining();
     if (unknown.empty()) return error.what();
-    return "found \"" + unknown.front() + "\", expected solve or info";
+    return "found \"" + unknown.front() + "\", expected solve, info, convert or show";
   }
 
   static CommandLine textOnly(std::string text) {
@@ -261,6 +272,7 @@ private:
   CommandLine line;
   PhaseOptions single;
   std::string output = "plain";
+  bool trace = false;
   std::vector<std::string> phaseTexts;
   std::vector<std::string> assignments;
 };

@@ -36,6 +36,8 @@ struct CommandLine {
   std::optional<std::string> solutionFile;
   /// Where solve keeps the environment with its solution.
   std::optional<std::string> environmentFile;
+  /// Where solve tells how the search went.
+  std::optional<std::string> statisticsFile;
   /// The file that convert writes.
   std::string target;
   /// The most items of a list that show prints.

@@ -13,8 +13,10 @@
 #include "cli/inputerror.h"
 #include "cli/program.h"
 #include "cli/searchoptions.h"
+#include "cli/searchrecorder.h"
 #include "cli/signalstopper.h"
 #include "cli/solutionwriter.h"
+#include "cli/statisticstext.h"
 
 namespace ombrix::cli {
 namespace {
@@ -28,17 +30,16 @@ public:
     }
     if (line.solutionFile) solutionFile.emplace(*line.solutionFile);
     if (line.environmentFile) environmentFile.emplace(*line.environmentFile);
+    if (line.statisticsFile) statisticsFile.emplace(*line.statisticsFile);
   }
 
   int run() {
     load();
-    {
-      const SignalStopper stopper(solver);
-      solver.solve();
-    }
+    search();
     status = solver.getSolution()->getStatus();
     keep();
     print();
+    writeStatistics();
     return exitStatus();
   }
 
@@ -53,6 +54,20 @@ private:
     if (!line.hasPhases()) return;
     SolverRecord::clearPhases(solver);
     createPhases(line, solver);
+  }
+
+  void search() {
+    recorder.emplace(solver);
+    const SignalStopper stopper(solver);
+    solver.solve();
+    recorder->restoreBest();
+  }
+
+  /// Last, since a place that cannot be written after all must not cost the solution.
+  void writeStatistics() {
+    if (!statisticsFile) return;
+    std::cout.flush();
+    statisticsFile->commit(statisticsText(line.model, solver, *recorder));
   }
 
   void setAdvancedParams() {
@@ -113,6 +128,8 @@ private:
   Ombrix solver;
   std::optional<SolutionFile> solutionFile;
   std::optional<EnvironmentFile> environmentFile;
+  std::optional<SolutionFile> statisticsFile;
+  std::optional<SearchRecorder> recorder;
   OXSolutionStatus status = OXSolutionStatus::Infeasible;
 };
 

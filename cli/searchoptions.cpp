@@ -1,6 +1,29 @@
 #include "cli/searchoptions.h"
 
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include "cli/inputerror.h"
+
 namespace ombrix::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Whether one would replace the other; devices are written to one after the other.
+bool isSameFile(const std::string& a, const std::string& b) {
+  std::error_code ignored;
+  const fs::file_status status = fs::status(a, ignored);
+  if (fs::exists(status) && !fs::is_regular_file(status)) return false;
+  return fs::weakly_canonical(fs::absolute(a, ignored), ignored) ==
+         fs::weakly_canonical(fs::absolute(b, ignored), ignored);
+}
+
+}  // namespace
 
 void applyParameters(const CommandLine& line, Ombrix& solver) {
   OXParam& param = *solver.getParam();
@@ -12,6 +35,23 @@ void applyParameters(const CommandLine& line, Ombrix& solver) {
     param.setVerbosity(*line.verbosity);
   } else if (line.output == OutputForm::Pb) {
     param.setVerbosity(0);
+  }
+}
+
+void requireDistinctFiles(const CommandLine& line) {
+  struct Written {
+    const char* option;
+    const std::optional<std::string>& file;
+  };
+  const std::array<Written, 3> all{{{"--solution", line.solutionFile},
+                                    {"--save", line.environmentFile},
+                                    {"--stats", line.statisticsFile}}};
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      if (!all[i].file || !all[j].file || !isSameFile(*all[i].file, *all[j].file)) continue;
+      throw InputError(std::string(all[i].option) + ": " + *all[i].file + " is the file of " +
+                       all[j].option);
+    }
   }
 }
 

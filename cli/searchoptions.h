@@ -14,6 +14,9 @@ void applyParameters(const CommandLine& line, Ombrix& solver);
 /// Adds the phases of the command line.
 void createPhases(const CommandLine& line, Ombrix& solver);
 
+/// Refuses two options that would write the same file with an InputError.
+void requireDistinctFiles(const CommandLine& line);
+
 }  // namespace ombrix::cli
 
 #endif

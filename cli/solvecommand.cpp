@@ -11,14 +11,15 @@
 #include "cli/commentstream.h"
 #include "cli/environmentfile.h"
 #include "cli/environmentrun.h"
-#include "cli/improvementreporter.h"
 #include "cli/opbmodel.h"
 #include "cli/opbmodelbuilder.h"
 #include "cli/opbreader.h"
 #include "cli/program.h"
 #include "cli/searchoptions.h"
+#include "cli/searchrecorder.h"
 #include "cli/signalstopper.h"
 #include "cli/solutionwriter.h"
+#include "cli/statisticstext.h"
 
 namespace ombrix::cli {
 namespace {
@@ -31,6 +32,7 @@ public:
     file.releaseSums();
     if (line.solutionFile) solutionFile.emplace(*line.solutionFile);
     if (line.environmentFile) environmentFile.emplace(*line.environmentFile);
+    if (line.statisticsFile) statisticsFile.emplace(*line.statisticsFile);
   }
 
   int run() {
@@ -45,10 +47,11 @@ public:
       finish();
       printForCompetition();
     } else {
-      search();
+      search(nullptr);
       finish();
       printPlainly();
     }
+    writeStatistics();
     return exitStatus();
   }
 
@@ -59,9 +62,11 @@ private:
     solver.getParam()->setObjectiveBound(0, static_cast<long long>(builder.getObjectiveLimit()));
   }
 
-  void search() {
+  void search(std::ostream* improvementLines) {
+    recorder.emplace(solver, improvementLines);
     const SignalStopper stopper(solver);
     solver.solve();
+    recorder->restoreBest();
   }
 
   void searchForCompetition() {
@@ -69,14 +74,7 @@ private:
               << "c " << line.model << ": " << file.names.size() << " variables, "
               << solver.getModel()->getNbConstraints() << " constraints" << std::endl;
     CommentStream display(std::cout);
-    if (!file.hasObjective) {
-      search();
-      return;
-    }
-    ImprovementReporter reporter(solver, *builder.getObjective(),
-                                 solver.getModel()->getObjectiveDirection(0), display.direct());
-    search();
-    reporter.report();
+    search(file.hasObjective ? &display.direct() : nullptr);
   }
 
   /// Takes the result over and writes the file of the solution, before anything that may fail
@@ -120,6 +118,13 @@ private:
     }
   }
 
+  /// Last, since a place that cannot be written after all must not cost the solution.
+  void writeStatistics() {
+    if (!statisticsFile) return;
+    std::cout.flush();
+    statisticsFile->commit(statisticsText(line.model, solver, *recorder));
+  }
+
   bool hasSolution() const {
     return status == OXSolutionStatus::Feasible || status == OXSolutionStatus::Optimal;
   }
@@ -135,6 +140,8 @@ private:
   OpbModelBuilder builder;
   std::optional<SolutionFile> solutionFile;
   std::optional<EnvironmentFile> environmentFile;
+  std::optional<SolutionFile> statisticsFile;
+  std::optional<SearchRecorder> recorder;
   OXSolutionStatus status = OXSolutionStatus::Infeasible;
   std::vector<bool> values;
 };
@@ -142,6 +149,7 @@ private:
 }  // namespace
 
 int runSolve(const CommandLine& line) {
+  requireDistinctFiles(line);
   if (isEnvironmentFile(line.model)) return runSolveEnvironment(line);
   return SolveRun(line, OpbReader::read(line.model)).run();
 }

@@ -24,6 +24,7 @@
 namespace ombrix {
 
 class Parallelizer;
+class SearchListener;
 struct Worker;
 
 /// A solver: the root of the public interface and the one object that a user creates.
@@ -160,9 +161,8 @@ private:
   std::unique_ptr<Parallelizer> parallelizer;
   std::unique_ptr<OXSolution> solution;
   std::unique_ptr<OXStatistics> statistics;
-  /// Told of each refresh of the public solution during a search; null for none.
-  CallbackFunction observer = nullptr;
-  void* observerData = nullptr;
+  /// Follows the search from inside; not owned, null for none.
+  SearchListener* searchListener = nullptr;
 };
 
 }  // namespace ombrix

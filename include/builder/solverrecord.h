@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "api/ombrix.h"
@@ -74,16 +73,12 @@ struct SolverRecord {
     return solver.callbackData;
   }
 
-  /// The observer is called by solve on its own thread, in state Paused, after the public solution
-  /// was refreshed at each tick, synchronisation and end of a phase. Null, the value at first, for
-  /// none; set it while no search runs.
-  static void setObserver(Ombrix& solver, void (*observer)(void*), void* data) {
-    solver.observer = observer;
-    solver.observerData = data;
+  /// The listener follows every search of the solver. Null, the value at first, for none; set it
+  /// while no search runs.
+  static void setSearchListener(Ombrix& solver, SearchListener* listener) {
+    solver.searchListener = listener;
   }
-  static std::pair<void (*)(void*), void*> observer(const Ombrix& solver) {
-    return {solver.observer, solver.observerData};
-  }
+  static SearchListener* searchListener(const Ombrix& solver) { return solver.searchListener; }
 
   static std::int32_t seed(const OXParam& param) { return param.seed; }
   static void setSeed(OXParam& param, std::int32_t seed) { param.seed = seed; }

@@ -20,8 +20,6 @@ namespace ombrix {
 
 namespace {
 
-constexpr std::int32_t kSynchronizationEvent = 1;
-
 /// The one place where the library writes to the standard output: whole texts, flushed.
 void write(const std::string& text) {
   std::cout << text << std::flush;
@@ -151,18 +149,6 @@ void publishAfterFailure(Ombrix& solver) {
   }
 }
 
-void notifyObserver(Ombrix& solver) {
-  const auto [observer, data] = SolverRecord::observer(solver);
-  if (observer != nullptr) observer(data);
-}
-
-/// Registered only while there is an observer: nobody else looks at a synchronisation.
-void onSynchronization(void* data) {
-  Ombrix& solver = *static_cast<Ombrix*>(data);
-  publish(solver);
-  notifyObserver(solver);
-}
-
 /// The parallelizer of the last solve lets go of surplus workers before they are destroyed.
 void dropSurplusWorkers(Ombrix& solver, std::size_t nbKept) {
   auto& workers = SolverRecord::workers(solver);
@@ -193,9 +179,6 @@ std::unique_ptr<Parallelizer> makeParallelizer(Ombrix& solver) {
   for (std::size_t i = 0; i < events.size(); ++i) {
     search->addCallback(events[i], SolverRecord::callbackFunctions(solver)[i],
                         SolverRecord::callbackData(solver)[i]);
-  }
-  if (SolverRecord::observer(solver).first != nullptr) {
-    search->addCallback(kSynchronizationEvent, onSynchronization, &solver);
   }
   return search;
 }
@@ -283,7 +266,6 @@ void Ombrix::onPhaseEnd(void* data) {
   Ombrix& solver = *static_cast<Ombrix*>(data);
   publish(solver);
   if (isVerbose(solver)) write("\n" + solver.getInfo());
-  notifyObserver(solver);
 }
 
 void Ombrix::onTick(void* data) {
@@ -292,7 +274,6 @@ void Ombrix::onTick(void* data) {
   if (isVerbose(solver)) {
     write("\n" + solver.getInfo() + (isTraceEnabled(solver) ? traceText(solver) : ""));
   }
-  notifyObserver(solver);
 }
 
 }  // namespace ombrix

@@ -220,9 +220,12 @@ void Parallelizer::runPhase(ThreadPool<RunningHeuristic>& pool, std::uint32_t in
     prepareWorker(*running->worker, index, timeLimit, iterationLimit);
   }
   resetPhase();
+  SearchListener* const listener = SolverRecord::searchListener(*solver);
+  if (listener != nullptr) listener->onPhaseStart();
   fire(kPhaseStartEvent);
   while (!stopRequested.load(std::memory_order_relaxed)) {
     runSlice(pool);
+    if (listener != nullptr) listener->onSliceEnd();
     if (timeTicksEnabled && clockSeconds() >= nextTick) {
       fire(kTickEvent);
       nextTick += timeBetweenDisplays;
@@ -240,6 +243,7 @@ void Parallelizer::prepareWorker(Worker& worker, std::uint32_t index, std::uint3
   Heuristic& heuristic = *worker.heuristic;
   worker.rng = static_cast<std::uint32_t>(SolverRecord::seed(SolverRecord::param(*solver)));
   heuristic.reset();
+  heuristic.listener = SolverRecord::searchListener(*solver);
   heuristic.objectiveIndex = static_cast<std::uint32_t>(
       SolverRecord::optimizedObjective(*SolverRecord::phases(*solver)[index]));
   Propagation& propagation = heuristic.dag->propagation;

@@ -11,6 +11,7 @@
 #include <functional>
 #include <iostream>
 #include <memory>
+#include <mutex>
 #include <random>
 #include <regex>
 #include <sstream>
@@ -251,28 +252,51 @@ TEST_F(SolveTest, CountsMovesByTheirFate) {
   EXPECT_LE(statistics.getNbInfeasibleMoves(), statistics.getNbRejectedMoves());
 }
 
-TEST_F(SolveTest, TheObserverSeesEachSynchronisationWithTheSolutionRefreshed) {
-  struct Seen {
-    Ombrix* solver;
-    std::vector<long long> objectives;
-    std::vector<OXState> states;
-  } seen{&solver, {}, {}};
+/// Notes on which thread and in which state it was called.
+class NotingListener : public SearchListener {
+public:
+  explicit NotingListener(const Ombrix& searched) : solver(searched) {}
+
+  void onImprovement(const Heuristic& heuristic) override {
+    const std::lock_guard guard(mutex);
+    improvements.push_back(heuristic.bestSolution.objectiveValues[0].intValue);
+    ++improvementStates[static_cast<int>(solver.getState())];
+  }
+  void onPhaseStart() override { note("p"); }
+  void onSliceEnd() override { note("s"); }
+
+  void note(const char* call) {
+    log += call;
+    if (std::this_thread::get_id() != caller || solver.getState() != OXState::Paused) log += "?";
+  }
+
+  const Ombrix& solver;
+  std::thread::id caller = std::this_thread::get_id();
+  std::mutex mutex;
+  std::string log;
+  std::vector<long long> improvements;
+  int improvementStates[4] = {};
+};
+
+TEST_F(SolveTest, AListenerHearsOfImprovementsWhileWorkersRunAndOfPausesBetween) {
   solver.getParam()->setAdvancedParam("syncIterations", 1000);
   test::buildKnapsack(*solver.getModel(), 100);
   close();
-  SolverRecord::setObserver(
-      solver,
-      [](void* data) {
-        Seen& record = *static_cast<Seen*>(data);
-        record.states.push_back(record.solver->getState());
-        record.objectives.push_back(record.solver->getModel()->getObjective(0)->getIntValue());
-      },
-      &seen);
-  solveFor(5000);
-  EXPECT_GE(seen.objectives.size(), 7u) << "five synchronisations, the last one and the end";
-  EXPECT_TRUE(std::is_sorted(seen.objectives.begin(), seen.objectives.end()));
-  EXPECT_GT(seen.objectives.front(), 0);
-  for (OXState state : seen.states) EXPECT_EQ(state, OXState::Paused);
+  solver.getParam()->setNbThreads(1);
+  solver.getParam()->setTimeBetweenDisplays(60000);
+  NotingListener listener(solver);
+  SolverRecord::setSearchListener(solver, &listener);
+  addPhase(3000);
+  solveFor(1500);
+  EXPECT_EQ(listener.log, "pssspss");
+  ASSERT_GT(listener.improvements.size(), 10u);
+  EXPECT_EQ(listener.improvementStates[static_cast<int>(OXState::Running)],
+            static_cast<int>(listener.improvements.size()));
+  EXPECT_TRUE(std::is_sorted(listener.improvements.begin(), listener.improvements.end()));
+  SolverRecord::setSearchListener(solver, nullptr);
+  listener.log.clear();
+  solver.solve();
+  EXPECT_EQ(listener.log, "");
 }
 
 TEST_F(SolveTest, ASecondCallHasWhatTheFirstLeftOfTheTimeLimit) {

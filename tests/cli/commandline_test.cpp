@@ -46,6 +46,7 @@ TEST(CommandLine, TellsWhetherPhasesWereAskedFor) {
 
 TEST(CommandLine, ReadsFilesToWrite) {
   EXPECT_EQ(parse({"solve", "m.opb", "--save", "m.oxb"}).environmentFile, "m.oxb");
+  EXPECT_EQ(parse({"solve", "m.opb", "--stats", "run.json"}).statisticsFile, "run.json");
   const CommandLine line = parse({"convert", "m.opb", "m.oxb"});
   EXPECT_EQ(line.command, CommandLine::Command::Convert);
   EXPECT_EQ(line.model, "m.opb");
@@ -129,6 +130,14 @@ TEST(CommandLine, MalformedPhasesAreRefused) {
             "--phase objective: found \"-1\", expected an integer of at least 0");
   EXPECT_EQ(refusalOf({"solve", "m", "--phase", "time=99999999999"}),
             "--phase time: found \"99999999999\", expected an integer of at most 2147483647");
+  EXPECT_EQ(refusalOf({"solve", "m", "--phase", "time=1,iterations=5,time=2"}),
+            "--phase time: given twice");
+}
+
+TEST(CommandLine, TraceIsTheParameterOfTheEngine) {
+  EXPECT_TRUE(parse({"solve", "m"}).advancedParams.empty());
+  const std::vector<std::pair<std::string, int>> expected{{"traceEnabled", 1}};
+  EXPECT_EQ(parse({"solve", "m", "--trace"}).advancedParams, expected);
 }
 
 TEST(CommandLine, MalformedAssignmentsAreRefused) {
@@ -144,7 +153,7 @@ TEST(CommandLine, MalformedAssignmentsAreRefused) {
 
 TEST(CommandLine, AnUnknownCommandIsToldByItsName) {
   EXPECT_EQ(refusalOf({"dance", "m"}),
-            "found \"dance\", expected solve or info (see ombrix --help)");
+            "found \"dance\", expected solve, info, convert or show (see ombrix --help)");
 }
 
 TEST(CommandLine, IterationsBeyond64BitsAreRefused) {

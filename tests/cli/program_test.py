@@ -5,6 +5,7 @@ usage: program_test.py PROGRAM TOOLS DATA [unittest arguments]
 """
 import gzip
 import io
+import json
 import os
 import re
 import signal
@@ -92,6 +93,15 @@ class Competition(ProgramTest):
         self.assertGreater(len(values), 0)
         self.assertEqual(values, sorted(set(values), reverse=True))
         self.assertEqual(self.check(name, result.stdout), "objective %d" % values[-1])
+
+    def test_the_best_of_all_phases_comes_out(self):
+        name = os.path.join(DATA, "mkp5x100.opb")
+        phases = ("--phase", "iterations=60000", "--phase", "iterations=200")
+        for seed in range(4):
+            result = self.run_program("solve", name, *phases, "--threads", "1", "--seed", str(seed),
+                                      "--annealing-level", "9", "--output", "pb")
+            lines = [line for line in result.stdout.splitlines() if line.startswith("o ")]
+            self.assertEqual(self.check(name, result.stdout), "objective " + lines[-1][2:])
 
     def test_maximisation_with_products(self):
         result = self.solve(PRODUCTS, "--output", "pb")
@@ -187,6 +197,126 @@ class Plain(ProgramTest):
         first = self.run_program(*options)
         self.assertEqual(first.returncode, 0, first)
         self.assertEqual(first.stdout, self.run_program(*options).stdout)
+
+
+class Statistics(ProgramTest):
+    def statistics(self, name="run.json"):
+        with open(self.path(name), encoding="utf-8") as stream:
+            return json.load(stream)
+
+    def assert_improving(self, improvements, sign=1):
+        for former, present in zip(improvements, improvements[1:]):
+            self.assertGreaterEqual(present["time"], former["time"])
+            if former["feasible"]:
+                self.assertTrue(present["feasible"])
+                self.assertLess(sign * present["objectives"][0], sign * former["objectives"][0])
+            elif not present["feasible"]:
+                self.assertLessEqual(present["infeasibility"][0], former["infeasibility"][0])
+
+    def test_tell_the_whole_search(self):
+        name = os.path.join(DATA, "scp200x1000.opb")
+        result = self.run_program("solve", name, "--phase", "iterations=50000", "--phase",
+                                  "iterations=30000", "--seed", "4", "--threads", "3",
+                                  "--output", "pb", "--stats", "run.json")
+        self.assertEqual(result.returncode, 0, result)
+        told = self.statistics()
+        self.assertEqual(list(told)[:4], ["version", "model", "seed", "threads"])
+        self.assertEqual((told["model"], told["seed"], told["threads"]), (name, 4, 3))
+        self.assert_improving(told["improvements"])
+        self.assertEqual(told["nbImprovements"], len(told["improvements"]))
+        self.assertEqual(told["resolution"], 0)
+        self.assertEqual(told["improvements"][0]["iteration"], 0)
+        lines = [int(line[2:]) for line in result.stdout.splitlines() if line.startswith("o ")]
+        feasible = [i["objectives"][0] for i in told["improvements"] if i["feasible"]]
+        self.assertEqual(feasible, lines)
+        final = told["final"]
+        self.assertEqual(final["status"], "feasible")
+        self.assertEqual(final["objectives"], lines[-1:])
+        self.assertEqual((final["iterations"], final["moves"]), (80000, 240000))
+        self.assertGreaterEqual(final["time"], told["improvements"][-1]["time"])
+        self.assertEqual(len(told["workers"]), 3)
+        for worker in told["workers"]:
+            self.assertEqual(worker["iterations"], 80000)
+            self.assertEqual(sum(move["attempted"] for move in worker["moves"]), 80000)
+            names = [strategy["name"] for strategy in worker["strategies"]]
+            self.assertEqual(names, ["restart", "annealing"])
+            for move in worker["moves"]:
+                fates = move["infeasible"] + move["rejected"] + move["accepted"]
+                self.assertEqual(fates, move["attempted"])
+
+    def test_of_a_search_that_finds_nothing(self):
+        self.assertEqual(self.solve(PIGEONS, "--stats", "run.json").returncode, 2)
+        told = self.statistics()
+        self.assertEqual(told["final"]["status"], "infeasible")
+        self.assertFalse(told["improvements"][-1]["feasible"])
+        self.assertEqual(len(told["improvements"][-1]["infeasibility"]), 3)
+
+    def test_of_a_contradiction(self):
+        self.assertEqual(self.solve(CONTRADICTION, "--stats", "run.json").returncode, 3)
+        told = self.statistics()
+        self.assertEqual((told["improvements"], told["workers"]), ([], []))
+        self.assertEqual(
+            told["final"],
+            {"status": "inconsistent", "objectives": [], "time": 0, "iterations": 0, "moves": 0},
+        )
+
+    def test_of_an_environment_with_a_double_objective(self):
+        with open(self.path("half.oxm"), "w", encoding="ascii", newline="") as stream:
+            stream.write(
+                '<OXM01>\r\n{"expressions"={{"type"="bool"},{"type"="const","value"=0.5},'
+                '{"type"="prod"}},"operands"={{},{},{0,1}},'
+                '"objectives"={{"idx"=2,"dir"="maximize"}}}')
+        result = self.run_program("solve", "half.oxm", "--iterations", "100", "--stats", "run.json")
+        self.assertEqual(result.returncode, 0, result)
+        told = self.statistics()
+        self.assertEqual([i["objectives"] for i in told["improvements"]], [[0], [0.5]])
+        self.assertEqual(told["final"]["objectives"], [0.5])
+
+    def test_a_strange_file_name(self):
+        name = os.fsencode(self.folder) + b'/a"b\\c\n\xff.opb'
+        with open(name, "wb") as stream:
+            stream.write(COVER.encode("ascii"))
+        result = subprocess.run(
+            [PROGRAM, "solve", name, "--iterations", "100", "--verbosity", "0", "--stats", "run.json"],
+            capture_output=True, cwd=self.folder, check=False)
+        self.assertEqual(result.returncode, 0, result)
+        self.assertTrue(self.statistics()["model"].endswith('/a"b\\c\n\ufffd.opb'))
+
+    def test_a_place_that_cannot_be_written_is_told_before_the_search(self):
+        began = time.monotonic()
+        result = self.run_program("solve", self.model(COVER), "--time", "20", "--stats", "/no/s.json")
+        self.assert_failure(result, "/no/s.json: cannot be written: No such file or directory")
+        self.assertLess(time.monotonic() - began, 10)
+
+    def test_two_options_cannot_write_the_same_file(self):
+        name = self.model(COVER)
+        with open(self.path("old.txt"), "w", encoding="ascii") as stream:
+            stream.write("old")
+        for first, second in (("--solution", "--stats"), ("--save", "--stats"),
+                              ("--solution", "--save")):
+            for file in ("new.txt", "old.txt"):
+                result = self.run_program(
+                    "solve", name, first, file, second, os.path.join(self.folder, file))
+                self.assert_failure(result, second + ": ", file + " is the file of " + first)
+        self.assertEqual(sorted(os.listdir(self.folder)), ["model.opb", "old.txt"])
+
+    def test_nothing_is_left_when_the_command_fails(self):
+        result = self.solve(COVER, "--objective", "1", "--stats", "run.json")
+        self.assertEqual(result.returncode, 1, result)
+        self.assertEqual(os.listdir(self.folder), ["model.opb"])
+
+
+class Trace(ProgramTest):
+    def test_shows_the_tables_of_every_thread_with_each_display(self):
+        name = os.path.join(DATA, "scp200x1000.opb")
+        limits = ("--time", "2", "--threads", "3", "--display-every", "1")
+        result = self.run_program("solve", name, *limits, "--trace")
+        self.assertEqual(result.returncode, 0, result)
+        self.assertGreaterEqual(result.stdout.count("Heur. stats"), 3)
+        self.assertEqual(result.stdout.count("Heur. stats") % 3, 0)
+        for text in ("Restarting ratio: ", "annealing window size: ", "move filter period: "):
+            self.assertEqual(result.stdout.count(text), result.stdout.count("Heur. stats"))
+        self.assertNotIn("Heur. stats", self.run_program("solve", name, *limits).stdout)
 
 
 class SolutionFile(ProgramTest):
@@ -499,10 +629,31 @@ class Signals(ProgramTest):
         self.assertEqual(process.returncode, 0, errors)
         output = "".join(lines) + rest
         self.assertIn("\ns SATISFIABLE\n", output)
-        self.check(name, output)
+        objective = self.check(name, output)
+        improvements = [line for line in output.splitlines() if line.startswith("o ")]
+        self.assertEqual(objective, "objective " + improvements[-1][2:])
 
     def test_ctrl_c(self):
         self.interrupted(signal.SIGINT)
+
+    def test_statistics_are_written_after_ctrl_c(self):
+        self.interrupted(signal.SIGINT, "--stats", self.path("run.json"))
+        with open(self.path("run.json"), encoding="utf-8") as stream:
+            told = json.load(stream)
+        self.assertEqual(told["final"]["objectives"], told["improvements"][-1]["objectives"])
+        self.assertGreater(told["final"]["moves"], 0)
+
+    def test_an_improvement_is_told_before_the_first_display(self):
+        name = os.path.join(DATA, "scp200x1000.opb")
+        arguments = ("--output", "pb", "--display-every", "1000", "--set", "syncIterations=0")
+        with subprocess.Popen(
+            [PROGRAM, "solve", name, *arguments], stdout=subprocess.PIPE, text=True
+        ) as process:
+            found = next(line for line in process.stdout if line.startswith("o "))
+            better = next(line for line in process.stdout if line.startswith("o "))
+            self.assertLess(int(better[2:]), int(found[2:]))
+            process.send_signal(signal.SIGINT)
+            process.communicate(timeout=60)
 
     def test_terminate(self):
         self.interrupted(signal.SIGTERM)

@@ -25,6 +25,35 @@ constexpr const char* kFileName = "wrappers/java/exception";
 constexpr int kOutOfMemoryLine = 28;
 constexpr int kUnknownLine = 32;
 
+/// The five values of an OXException, by reference: where memory has run out, an OXException itself
+/// could not be made.
+struct Failure {
+  jint code;
+  const char* fileName;
+  jint lineNumber;
+  const char* functionName;
+  const char* explanation;
+};
+
+/// Makes the Java exception pending. It takes no memory but that of the virtual machine; when that
+/// is exhausted too, the exception that the machine has made pending instead stays.
+void raise(JNIEnv* env, const Failure& failure) {
+  jclass exceptionClass = env->FindClass("ombrix/OXException");
+  if (exceptionClass == nullptr) return;
+  jmethodID constructor = env->GetMethodID(
+      exceptionClass, "<init>", "(ILjava/lang/String;ILjava/lang/String;Ljava/lang/String;)V");
+  if (constructor == nullptr) return;
+  jstring fileName = env->NewStringUTF(failure.fileName);
+  if (fileName == nullptr) return;
+  jstring functionName = env->NewStringUTF(failure.functionName);
+  if (functionName == nullptr) return;
+  jstring explanation = env->NewStringUTF(failure.explanation);
+  if (explanation == nullptr) return;
+  jobject exception = env->NewObject(exceptionClass, constructor, failure.code, fileName,
+                                     failure.lineNumber, functionName, explanation);
+  if (exception != nullptr) env->Throw(static_cast<jthrowable>(exception));
+}
+
 }  // namespace
 
 bool copyString(JNIEnv* env, jstring text, std::string& copy, const char* exportName) {
@@ -50,28 +79,16 @@ void throwByKind(JNIEnv* env, int kind, const char* message) {
 }
 
 void throwOXException(JNIEnv* env, const OXException& failure) {
-  jclass exceptionClass = env->FindClass("ombrix/OXException");
-  if (exceptionClass == nullptr) return;
-  jmethodID constructor = env->GetMethodID(
-      exceptionClass, "<init>", "(ILjava/lang/String;ILjava/lang/String;Ljava/lang/String;)V");
-  if (constructor == nullptr) return;
-  jstring fileName = env->NewStringUTF(failure.getFileName().c_str());
-  jstring functionName = env->NewStringUTF(failure.getFunctionName().c_str());
-  jstring explanation = env->NewStringUTF(failure.getExplanation().c_str());
-  jobject exception =
-      env->NewObject(exceptionClass, constructor, static_cast<jint>(failure.getCode()), fileName,
-                     static_cast<jint>(failure.getLineNumber()), functionName, explanation);
-  if (exception != nullptr) env->Throw(static_cast<jthrowable>(exception));
+  raise(env, {failure.getCode(), failure.getFileName().c_str(), failure.getLineNumber(),
+              failure.getFunctionName().c_str(), failure.getExplanation().c_str()});
 }
 
 void throwOutOfMemory(JNIEnv* env, const char* exportName) {
-  throwOXException(
-      env, OXException(kInternalError, kFileName, kOutOfMemoryLine, exportName, "Out of memory"));
+  raise(env, {kInternalError, kFileName, kOutOfMemoryLine, exportName, "Out of memory"});
 }
 
 void throwUnknown(JNIEnv* env, const char* exportName) {
-  throwOXException(
-      env, OXException(kInternalError, kFileName, kUnknownLine, exportName, "Unknown exception"));
+  raise(env, {kInternalError, kFileName, kUnknownLine, exportName, "Unknown exception"});
 }
 
 }  // namespace ombrix::java

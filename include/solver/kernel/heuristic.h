@@ -8,6 +8,7 @@
 #include "solver/kernel/heuristiccallback.h"
 #include "solver/kernel/heuristicstrategy.h"
 #include "solver/kernel/movepool.h"
+#include "solver/kernel/searchlistener.h"
 #include "solver/kernel/solution.h"
 
 namespace ombrix {
@@ -67,6 +68,7 @@ public:
   std::int64_t bestTime = 0;        ///< the absolute clock until the first best, then an offset
   std::uint64_t bestIteration = 0;  ///< nbIterations when the best was recorded, not yet counted
   Solution bestSolution;
+  SearchListener* listener = nullptr;  ///< not owned; told of each new best
   /// The clock as of the end of the last iteration, read once for the loop and all callbacks.
   std::int64_t now = 0;
 

@@ -28,6 +28,11 @@ public:
   /// at the objectives up to and including level (none when negative).
   int compareTo(const Solution& other, int level) const;
   int compareTo(const Dag& other, int level) const;
+  int compareTo(const Infeasibility& infeasibility, const std::vector<OXValue>& objectives,
+                int level) const;
+  Infeasibility getInfeasibility() const {
+    return {nbViolated, nbViolatedEqualities, violationSum};
+  }
   int compareObjective(std::uint32_t i, OXValue other) const;
 
   std::int64_t nbViolated = 0;

@@ -126,6 +126,7 @@ void Heuristic::recordBest() {
   readClock();
   bestTime = now - startTime;
   bestSolution.save();
+  if (listener != nullptr) listener->onImprovement(*this);
 }
 
 bool Heuristic::isObjectiveBoundReached() const {

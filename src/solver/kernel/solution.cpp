@@ -126,21 +126,23 @@ void Solution::writeDecisions(Dag& target) const {
 }
 
 int Solution::compareTo(const Solution& other, int level) const {
-  const int result =
-      compareInfeasibility({nbViolated, nbViolatedEqualities, violationSum},
-                           {other.nbViolated, other.nbViolatedEqualities, other.violationSum});
+  return compareTo(other.getInfeasibility(), other.objectiveValues, level);
+}
+
+int Solution::compareTo(const Infeasibility& infeasibility, const std::vector<OXValue>& objectives,
+                        int level) const {
+  const int result = compareInfeasibility(getInfeasibility(), infeasibility);
   if (result != 0) return result;
   for (int i = 0; i <= level; ++i) {
     const auto objective = static_cast<std::uint32_t>(i);
-    const int comparison = compareObjective(objective, other.objectiveValues[objective]);
+    const int comparison = compareObjective(objective, objectives[objective]);
     if (comparison != 0) return comparison;
   }
   return 0;
 }
 
 int Solution::compareTo(const Dag& other, int level) const {
-  const int result = compareInfeasibility({nbViolated, nbViolatedEqualities, violationSum},
-                                          other.propagation.infeasibility);
+  const int result = compareInfeasibility(getInfeasibility(), other.propagation.infeasibility);
   if (result != 0) return result;
   for (int i = 0; i <= level; ++i) {
     const auto objective = static_cast<std::uint32_t>(i);

@@ -213,6 +213,32 @@ TEST_F(HeuristicTest, AnAcceptedMoveIsNeverRecordedAnImprovedOneIsUncounted) {
   EXPECT_LE(heuristic->bestTime, 1) << "an offset from now on";
 }
 
+TEST_F(HeuristicTest, TheListenerIsToldOfEachNewBestOnceItIsSaved) {
+  class Listener : public SearchListener {
+  public:
+    void onImprovement(const Heuristic& told) override {
+      values.push_back(told.bestSolution.objectiveValues[0].intValue);
+      iterations.push_back(told.bestIteration);
+    }
+    void onPhaseStart() override {}
+    void onSliceEnd() override {}
+
+    std::vector<std::int64_t> values;
+    std::vector<std::uint64_t> iterations;
+  } listener;
+  const auto x = builder.boolean();
+  const auto y = builder.boolean();
+  builder.maximise(builder.node(NodeType::Sum, {x, y, builder.boolean()}));
+  start();
+  addMove({{x}, {x}, {x}, {y}});
+  addStrategy(MoveStatus::Improved);
+  heuristic->listener = &listener;
+  heuristic->iterationLimit = 4;
+  heuristic->run();
+  EXPECT_EQ(listener.values, (std::vector<std::int64_t>{1, 2}));
+  EXPECT_EQ(listener.iterations, (std::vector<std::uint64_t>{0, 3}));
+}
+
 TEST_F(HeuristicTest, AnImprovementThatIsNoBetterThanTheBestIsNotRecorded) {
   const auto x = builder.boolean();
   const auto y = builder.boolean();
