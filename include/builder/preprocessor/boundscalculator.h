@@ -1,7 +1,6 @@
 #ifndef OMBRIX_BUILDER_PREPROCESSOR_BOUNDSCALCULATOR_H
 #define OMBRIX_BUILDER_PREPROCESSOR_BOUNDSCALCULATOR_H
 
-#include "builder/preprocessor/postorderwalk.h"
 #include "builder/preprocessor/preprocessor.h"
 
 namespace ombrix {
@@ -16,37 +15,37 @@ namespace ombrix {
 /// code 5.
 class BoundsCalculator {
 public:
-  explicit BoundsCalculator(Preprocessor& shared) : preprocessor(&shared), model(shared.model) {}
+  explicit BoundsCalculator(Preprocessor& shared) : preprocessor(&shared) {}
 
   void run();
 
 private:
-  void computeBounds(OXExpression& e);
-  void applyRule(OXExpression& e);
+  using Index = Preprocessor::Index;
 
-  void sumBounds(OXExpression& e);
-  void prodBounds(OXExpression& e);
-  void maxBounds(OXExpression& e);
-  void minBounds(OXExpression& e);
-  void comparisonBounds(OXExpression& e);
-  void iifBounds(OXExpression& e);
-  void iifBoolBounds(OXExpression& e);
-  void notBounds(OXExpression& e);
-  void andBounds(OXExpression& e);
-  void orBounds(OXExpression& e);
-  void xorBounds(OXExpression& e);
-  void absBounds(OXExpression& e);
-  void distBounds(OXExpression& e);
-  void divIntBounds(OXExpression& e);
-  void divDoubleBounds(OXExpression& e);
-  void modBounds(OXExpression& e);
-  void atBounds(OXExpression& e);
-  void powBounds(OXExpression& e);
-  void tanBounds(OXExpression& e);
+  void computeBounds(Index e);
+  void applyRule(Index e);
+
+  void sumBounds(Index e);
+  void prodBounds(Index e);
+  void maxBounds(Index e);
+  void minBounds(Index e);
+  void comparisonBounds(Index e);
+  void iifBounds(Index e);
+  void iifBoolBounds(Index e);
+  void notBounds(Index e);
+  void andBounds(Index e);
+  void orBounds(Index e);
+  void xorBounds(Index e);
+  void absBounds(Index e);
+  void distBounds(Index e);
+  void divIntBounds(Index e);
+  void divDoubleBounds(Index e);
+  void modBounds(Index e);
+  void atBounds(Index e);
+  void powBounds(Index e);
+  void tanBounds(Index e);
 
   Preprocessor* preprocessor;
-  OXModel* model;
-  PostOrderWalk walk;
 };
 
 }  // namespace ombrix

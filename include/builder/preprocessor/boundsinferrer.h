@@ -2,7 +2,7 @@
 #define OMBRIX_BUILDER_PREPROCESSOR_BOUNDSINFERRER_H
 
 #include <cstdint>
-#include <deque>
+#include <optional>
 #include <vector>
 
 #include "builder/preprocessor/preprocessor.h"
@@ -23,50 +23,54 @@ public:
   void run();
 
 private:
+  using Index = Preprocessor::Index;
+  enum State : std::uint8_t { kNew, kQueued, kTreated };
+
+  void push(Index e);
   void pushRoots();
   void pushConstraints();
-  void pushNewOperands(const OXExpression& e);
-  void applyRule(OXExpression& e);
-  void markIfKnown(const OXExpression& e);
+  void pushNewOperands(Index e);
+  void applyRule(Index e);
+  void markIfKnown(Index e);
 
-  void inferMax(const OXExpression& e);
-  void inferMin(const OXExpression& e);
-  void inferNot(const OXExpression& e);
-  void inferAnd(OXExpression& e);
-  void inferOr(OXExpression& e);
-  void inferAbs(OXExpression& e);
-  void inferDiv(const OXExpression& e);
-  void inferAt(const OXExpression& e);
-  void inferNonNegative(const OXExpression& e);
-  void intersectOperands(const OXExpression& e, IntInterval bounds);
+  void inferMax(Index e);
+  void inferMin(Index e);
+  void inferNot(Index e);
+  void inferAnd(Index e);
+  void inferOr(Index e);
+  void inferAbs(Index e);
+  void inferDiv(Index e);
+  void inferAt(Index e);
+  void inferNonNegative(Index e);
+  void intersectOperands(Index e, IntInterval bounds);
 
-  void inferSum(const OXExpression& e);
-  void inferIntSum(const OXExpression& e);
-  void inferDoubleSum(const OXExpression& e);
-  void inferIntProd(OXExpression& e);
-  void inferDoubleProd(OXExpression& e);
-  OXExpression* findFreeBoolean(const OXExpression& e) const;
+  void inferSum(Index e);
+  void inferIntSum(Index e);
+  void inferDoubleSum(Index e);
+  void inferIntProd(Index e);
+  void inferDoubleProd(Index e);
+  std::optional<Index> findFreeBoolean(Index e) const;
 
-  void inferEqual(const OXExpression& e);
-  void inferOrder(const OXExpression& e);
-  void intAtMost(OXExpression& a, OXExpression& b);
-  void intAtLeast(OXExpression& a, OXExpression& b);
-  void intBelow(OXExpression& a, OXExpression& b);
-  void intAbove(OXExpression& a, OXExpression& b);
-  void doubleAtLeast(OXExpression& a, OXExpression& b);
-  void doubleEqualTo(OXExpression& a, const OXExpression& b);
+  void inferEqual(Index e);
+  void inferOrder(Index e);
+  void intAtMost(Index a, Index b);
+  void intAtLeast(Index a, Index b);
+  void intBelow(Index a, Index b);
+  void intAbove(Index a, Index b);
+  void doubleAtLeast(Index a, Index b);
+  void doubleEqualTo(Index a, Index b);
 
-  bool isPoint(const OXExpression& e) const { return preprocessor->hasEqualBounds(e); }
+  bool isPoint(Index e) const { return preprocessor->hasEqualBounds(e); }
   /// For a boolean: known to be true, or false.
-  bool isKnownTrue(const OXExpression& e) const;
-  bool isKnownFalse(const OXExpression& e) const;
-  bool isUnbounded(const OXExpression& e) const;
-  std::int64_t lowerAsInt(const OXExpression& e) const;
-  std::int64_t upperAsInt(const OXExpression& e) const;
+  bool isKnownTrue(Index e) const;
+  bool isKnownFalse(Index e) const;
+  bool isUnbounded(Index e) const;
+  std::int64_t lowerAsInt(Index e) const;
+  std::int64_t upperAsInt(Index e) const;
 
   Preprocessor* preprocessor;
-  std::deque<OXExpression*> queue;
-  std::vector<std::int32_t> states;
+  std::vector<Index> queue;  ///< served from the front, which run follows; never shortened
+  std::vector<std::uint8_t> states;
 };
 
 }  // namespace ombrix

@@ -4,7 +4,6 @@
 #include <cstdint>
 
 #include "builder/evaluatortools.h"
-#include "builder/preprocessor/postorderwalk.h"
 #include "builder/preprocessor/preprocessor.h"
 
 namespace ombrix {
@@ -19,18 +18,19 @@ public:
   void run();
 
 private:
-  void visit(OXExpression& e);
-  void visitAt(OXExpression& e);
-  void evaluateIfFixed(OXExpression& e);
-  bool areOperandsFixed(const OXExpression& e) const;
+  using Index = Preprocessor::Index;
+
+  void visit(Index e);
+  void visitAt(Index e);
+  void evaluateIfFixed(Index e);
+  bool areOperandsFixed(Index e) const;
   /// Whether some operand that is no array has that value as both bounds.
-  bool hasOperandAt(const OXExpression& e, std::int64_t value) const;
-  OXTypedValue evaluate(const OXExpression& e) const;
-  void fixAt(OXExpression& e, std::int64_t value);
-  void intersect(OXExpression& e, const OXTypedValue& result);
+  bool hasOperandAt(Index e, std::int64_t value) const;
+  OXTypedValue evaluate(Index e) const;
+  void fixAt(Index e, std::int64_t value);
+  void intersect(Index e, const OXTypedValue& result);
 
   Preprocessor* preprocessor;
-  PostOrderWalk walk;
 };
 
 }  // namespace ombrix

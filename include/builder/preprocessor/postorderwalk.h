@@ -4,49 +4,52 @@
 #include <cstdint>
 #include <vector>
 
-#include "builder/modelrecord.h"
+#include "builder/preprocessor/preprocessor.h"
 
 namespace ombrix {
 
-/// Visits every expression that the roots reach exactly once, operands before their users, in time
+/// Finds every expression that the roots reach, each once, operands before their users, in time
 /// proportional to the operands. The stack is explicit: the depth of a model is limited by memory
 /// only. The last root is served first, and so is the last operand of each expression.
 class PostOrderWalk {
 public:
-  template <typename Visit>
-  void run(const OXModel& model, const std::vector<OXExpression*>& roots, const Visit& visit) {
-    states.assign(ModelRecord::expressions(model).size(), kNew);
-    stack = roots;
+  explicit PostOrderWalk(const Preprocessor& shared)
+      : preprocessor(shared), states(shared.nbExpressions(), kNew) {}
+
+  std::vector<Preprocessor::Index> run() {
+    std::vector<Preprocessor::Index> order;
+    order.reserve(states.size());
+    for (const OXExpression* root : preprocessor.roots) stack.push_back(Preprocessor::at(*root));
     while (!stack.empty()) {
-      OXExpression& e = *stack.back();
-      std::int32_t& state = states[static_cast<std::size_t>(ModelRecord::index(e))];
-      if (state == kNew) {
-        state = kOperandsPushed;
-        pushOperands(e);
-        continue;
+      const Preprocessor::Index e = stack.back();
+      if (states[e] == kNew) {
+        states[e] = kOperandsPushed;
+        if (pushOperands(e)) continue;
       }
-      if (state == kOperandsPushed) {
-        visit(e);
-        state = kDone;
+      if (states[e] == kOperandsPushed) {
+        order.push_back(e);
+        states[e] = kDone;
       }
       stack.pop_back();
     }
+    return order;
   }
 
 private:
-  static constexpr std::int32_t kNew = 0;
-  static constexpr std::int32_t kOperandsPushed = 1;
-  static constexpr std::int32_t kDone = 2;
+  enum State : std::uint8_t { kNew, kOperandsPushed, kDone };
 
-  void pushOperands(const OXExpression& e) {
-    for (std::int32_t i = 0; i < ModelRecord::nbOperands(e); ++i) {
-      const auto index = static_cast<std::size_t>(ModelRecord::operandIndex(e, i));
-      if (states[index] != kDone) stack.push_back(ModelRecord::operand(e, i));
+  /// Answers whether there was one to push.
+  bool pushOperands(Preprocessor::Index e) {
+    const std::size_t size = stack.size();
+    for (const Preprocessor::Index x : preprocessor.operands(e)) {
+      if (states[x] != kDone) stack.push_back(x);
     }
+    return stack.size() > size;
   }
 
-  std::vector<std::int32_t> states;
-  std::vector<OXExpression*> stack;
+  const Preprocessor& preprocessor;
+  std::vector<std::uint8_t> states;
+  std::vector<Preprocessor::Index> stack;
 };
 
 }  // namespace ombrix

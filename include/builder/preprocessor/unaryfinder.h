@@ -2,6 +2,7 @@
 #define OMBRIX_BUILDER_PREPROCESSOR_UNARYFINDER_H
 
 #include <cstdint>
+#include <vector>
 
 #include "builder/preprocessor/preprocessor.h"
 
@@ -13,23 +14,30 @@ namespace ombrix {
 /// as it is and not yet as what it will become.
 class UnaryFinder {
 public:
-  explicit UnaryFinder(Preprocessor& shared) : preprocessor(&shared), model(shared.model) {}
+  explicit UnaryFinder(Preprocessor& shared) : preprocessor(&shared) {}
 
   void run();
 
 private:
-  /// The expression that replaces x in one step, or null.
-  OXExpression* findReplacement(const OXExpression& x) const;
-  OXExpression* findSingleOperand(const OXExpression& x, std::int64_t neutral) const;
-  OXExpression* replaceIif(const OXExpression& x) const;
-  OXExpression* replaceDiv(const OXExpression& x) const;
-  OXExpression* replaceAt(const OXExpression& x) const;
-  OXExpression* replaceRounding(const OXExpression& x) const;
+  using Index = Preprocessor::Index;
+  static constexpr Index kNone = 4294967295U;
+
+  /// The expression that replaces x in one step, or kNone.
+  Index findReplacement(Index x) const;
+  Index findSingleOperand(Index x, std::int64_t neutral) const;
+  Index replaceIif(Index x) const;
+  Index replaceDiv(Index x) const;
+  Index replaceAt(Index x) const;
+  Index replaceRounding(Index x) const;
   /// Fixed, and exactly at that value: no tolerance.
-  bool isFixedAt(const OXExpression& x, std::int64_t value) const;
+  bool isFixedAt(Index x, std::int64_t value) const;
+
+  Index canonicalOperand(Index x, Index position) const {
+    return canonicals[preprocessor->operand(x, position)];
+  }
 
   Preprocessor* preprocessor;
-  OXModel* model;
+  std::vector<Index> canonicals;  ///< per expression, what is known so far
 };
 
 }  // namespace ombrix

@@ -11,45 +11,39 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-bool isDouble(const OXExpression& e) {
-  return ModelRecord::valueType(e) == kDoubleType;
-}
+using Index = Preprocessor::Index;
 
-std::int32_t nbOperands(const OXExpression& e) {
-  return ModelRecord::nbOperands(e);
-}
-
-/// Reads the intervals of one expression's operands, as the numbers of one kind.
+/// Reads the intervals of expressions as numbers of one kind.
 struct IntReader {
   const Preprocessor& preprocessor;
-  IntInterval operator()(const OXExpression& e) const { return preprocessor.intBounds(e); }
-  IntInterval operator()(const OXExpression& e, std::int32_t position) const {
-    return (*this)(*ModelRecord::operand(e, position));
+  IntInterval operator()(Index e) const { return preprocessor.intBounds(e); }
+  IntInterval operand(Index e, Index position) const {
+    return (*this)(preprocessor.operand(e, position));
   }
 };
 
 struct DoubleReader {
   const Preprocessor& preprocessor;
-  DoubleInterval operator()(const OXExpression& e) const { return preprocessor.doubleBounds(e); }
-  DoubleInterval operator()(const OXExpression& e, std::int32_t position) const {
-    return (*this)(*ModelRecord::operand(e, position));
+  DoubleInterval operator()(Index e) const { return preprocessor.doubleBounds(e); }
+  DoubleInterval operand(Index e, Index position) const {
+    return (*this)(preprocessor.operand(e, position));
   }
 };
 
-IntInterval sumOf(const IntReader& bounds, const OXExpression& e) {
+IntInterval sumOf(const IntReader& bounds, Index e) {
   IntInterval sum = {0, 0};
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const IntInterval x = bounds(e, i);
+  for (const Index operand : bounds.preprocessor.operands(e)) {
+    const IntInterval x = bounds(operand);
     sum = {saturatingAdd(sum.low, x.low), saturatingAdd(sum.high, x.high)};
   }
   return sum;
 }
 
 /// An operand that can only be infinite decides the sum, so that no infinity meets its opposite.
-DoubleInterval sumOf(const DoubleReader& bounds, const OXExpression& e) {
+DoubleInterval sumOf(const DoubleReader& bounds, Index e) {
   DoubleInterval sum = {0.0, 0.0};
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const DoubleInterval x = bounds(e, i);
+  for (const Index operand : bounds.preprocessor.operands(e)) {
+    const DoubleInterval x = bounds(operand);
     if (x.low == kInfinity) return {kInfinity, kInfinity};
     if (x.high == -kInfinity) {
       sum = {-kInfinity, -kInfinity};
@@ -61,25 +55,25 @@ DoubleInterval sumOf(const DoubleReader& bounds, const OXExpression& e) {
 }
 
 template <typename Product, typename Reader>
-auto productOf(const Reader& bounds, const OXExpression& e) {
+auto productOf(const Reader& bounds, Index e) {
   Product product;
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) product.multiply(bounds(e, i));
+  for (const Index operand : bounds.preprocessor.operands(e)) product.multiply(bounds(operand));
   return product.result();
 }
 
 template <typename Interval, typename Reader>
-Interval largestOf(const Reader& bounds, const OXExpression& e, Interval start) {
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const Interval x = bounds(e, i);
+Interval largestOf(const Reader& bounds, Index e, Interval start) {
+  for (const Index operand : bounds.preprocessor.operands(e)) {
+    const Interval x = bounds(operand);
     start = {std::max(start.low, x.low), std::max(start.high, x.high)};
   }
   return start;
 }
 
 template <typename Interval, typename Reader>
-Interval smallestOf(const Reader& bounds, const OXExpression& e, Interval start) {
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const Interval x = bounds(e, i);
+Interval smallestOf(const Reader& bounds, Index e, Interval start) {
+  for (const Index operand : bounds.preprocessor.operands(e)) {
+    const Interval x = bounds(operand);
     start = {std::min(start.low, x.low), std::min(start.high, x.high)};
   }
   return start;
@@ -87,26 +81,25 @@ Interval smallestOf(const Reader& bounds, const OXExpression& e, Interval start)
 
 /// The branch that the condition decides for, or both.
 template <typename Reader>
-auto selectedOf(const Reader& bounds, const OXExpression& e, IntInterval condition) {
-  if (condition.low == 1) return bounds(e, 1);
-  if (condition.high == 0) return bounds(e, 2);
-  return hull(bounds(e, 1), bounds(e, 2));
+auto selectedOf(const Reader& bounds, Index e, IntInterval condition) {
+  if (condition.low == 1) return bounds.operand(e, 1);
+  if (condition.high == 0) return bounds.operand(e, 2);
+  return hull(bounds.operand(e, 1), bounds.operand(e, 2));
 }
 
 template <typename Reader>
-auto hullOfElements(const Reader& bounds, const OXExpression& array, std::int32_t first,
-                    std::int32_t end) {
-  auto result = bounds(array, first);
-  for (std::int32_t i = first + 1; i < end; ++i) result = hull(result, bounds(array, i));
+auto hullOfElements(const Reader& bounds, Index array, Index first, Index end) {
+  auto result = bounds.operand(array, first);
+  for (Index i = first + 1; i < end; ++i) result = hull(result, bounds.operand(array, i));
   return result;
 }
 
 /// What the intervals of both operands tell about a comparison, in the arithmetic of the reader.
 template <typename Reader>
-Truth compare(const Reader& bounds, const OXExpression& e) {
-  const auto a = bounds(e, 0);
-  const auto b = bounds(e, 1);
-  switch (ModelRecord::op(e)) {
+Truth compare(const Reader& bounds, Index e) {
+  const auto a = bounds.operand(e, 0);
+  const auto b = bounds.operand(e, 1);
+  switch (bounds.preprocessor.op(e)) {
     case OXOperator::Eq:
       return isEqual(a, b);
     case OXOperator::Neq:
@@ -125,19 +118,19 @@ Truth compare(const Reader& bounds, const OXExpression& e) {
 }  // namespace
 
 void BoundsCalculator::run() {
-  walk.run(*model, preprocessor->roots, [this](OXExpression& e) { computeBounds(e); });
+  for (const Index e : preprocessor->bottomUp()) computeBounds(e);
 }
 
-void BoundsCalculator::computeBounds(OXExpression& e) {
+void BoundsCalculator::computeBounds(Index e) {
   applyRule(e);
-  if (ModelRecord::op(e) != OXOperator::Array && preprocessor->hasEqualBounds(e)) {
+  if (!preprocessor->isArray(e) && preprocessor->hasEqualBounds(e)) {
     preprocessor->markFixed(e);
   }
 }
 
-void BoundsCalculator::applyRule(OXExpression& e) {
+void BoundsCalculator::applyRule(Index e) {
   const DoubleReader doubles{*preprocessor};
-  switch (ModelRecord::op(e)) {
+  switch (preprocessor->op(e)) {
     case OXOperator::Bool:
       return preprocessor->intersectIntBounds(e, 0, 1);
     case OXOperator::Const:
@@ -174,44 +167,44 @@ void BoundsCalculator::applyRule(OXExpression& e) {
     case OXOperator::Dist:
       return distBounds(e);
     case OXOperator::Div:
-      return isDouble(e) ? divDoubleBounds(e) : divIntBounds(e);
+      return preprocessor->isDouble(e) ? divDoubleBounds(e) : divIntBounds(e);
     case OXOperator::Mod:
       return modBounds(e);
     case OXOperator::At:
       return atBounds(e);
     case OXOperator::Ceil:
-      return preprocessor->intersectIntBounds(e, ceilInterval(doubles(e, 0)));
+      return preprocessor->intersectIntBounds(e, ceilInterval(doubles.operand(e, 0)));
     case OXOperator::Floor:
-      return preprocessor->intersectIntBounds(e, floorInterval(doubles(e, 0)));
+      return preprocessor->intersectIntBounds(e, floorInterval(doubles.operand(e, 0)));
     case OXOperator::Round:
-      return preprocessor->intersectIntBounds(e, roundInterval(doubles(e, 0)));
+      return preprocessor->intersectIntBounds(e, roundInterval(doubles.operand(e, 0)));
     case OXOperator::Sqrt:
-      return preprocessor->intersectDoubleBounds(e, sqrtInterval(doubles(e, 0)));
+      return preprocessor->intersectDoubleBounds(e, sqrtInterval(doubles.operand(e, 0)));
     case OXOperator::Log:
-      return preprocessor->intersectDoubleBounds(e, logInterval(doubles(e, 0)));
+      return preprocessor->intersectDoubleBounds(e, logInterval(doubles.operand(e, 0)));
     case OXOperator::Exp:
-      return preprocessor->intersectDoubleBounds(e, expInterval(doubles(e, 0)));
+      return preprocessor->intersectDoubleBounds(e, expInterval(doubles.operand(e, 0)));
     case OXOperator::Pow:
       return powBounds(e);
     case OXOperator::Cos:
-      return preprocessor->intersectDoubleBounds(e, cosInterval(doubles(e, 0)));
+      return preprocessor->intersectDoubleBounds(e, cosInterval(doubles.operand(e, 0)));
     case OXOperator::Sin:
-      return preprocessor->intersectDoubleBounds(e, sinInterval(doubles(e, 0)));
+      return preprocessor->intersectDoubleBounds(e, sinInterval(doubles.operand(e, 0)));
     case OXOperator::Tan:
       return tanBounds(e);
   }
 }
 
-void BoundsCalculator::sumBounds(OXExpression& e) {
-  if (isDouble(e)) {
+void BoundsCalculator::sumBounds(Index e) {
+  if (preprocessor->isDouble(e)) {
     preprocessor->intersectDoubleBounds(e, sumOf(DoubleReader{*preprocessor}, e));
   } else {
     preprocessor->intersectIntBounds(e, sumOf(IntReader{*preprocessor}, e));
   }
 }
 
-void BoundsCalculator::prodBounds(OXExpression& e) {
-  if (isDouble(e)) {
+void BoundsCalculator::prodBounds(Index e) {
+  if (preprocessor->isDouble(e)) {
     preprocessor->intersectDoubleBounds(e,
                                         productOf<DoubleProduct>(DoubleReader{*preprocessor}, e));
   } else {
@@ -219,8 +212,8 @@ void BoundsCalculator::prodBounds(OXExpression& e) {
   }
 }
 
-void BoundsCalculator::maxBounds(OXExpression& e) {
-  if (isDouble(e)) {
+void BoundsCalculator::maxBounds(Index e) {
+  if (preprocessor->isDouble(e)) {
     const DoubleInterval start = {-kInfinity, -kInfinity};
     preprocessor->intersectDoubleBounds(e, largestOf(DoubleReader{*preprocessor}, e, start));
   } else {
@@ -229,8 +222,8 @@ void BoundsCalculator::maxBounds(OXExpression& e) {
   }
 }
 
-void BoundsCalculator::minBounds(OXExpression& e) {
-  if (isDouble(e)) {
+void BoundsCalculator::minBounds(Index e) {
+  if (preprocessor->isDouble(e)) {
     const DoubleInterval start = {kInfinity, kInfinity};
     preprocessor->intersectDoubleBounds(e, smallestOf(DoubleReader{*preprocessor}, e, start));
   } else {
@@ -239,30 +232,30 @@ void BoundsCalculator::minBounds(OXExpression& e) {
   }
 }
 
-void BoundsCalculator::comparisonBounds(OXExpression& e) {
+void BoundsCalculator::comparisonBounds(Index e) {
   const Truth truth = preprocessor->hasDoubleOperand(e) ? compare(DoubleReader{*preprocessor}, e)
                                                         : compare(IntReader{*preprocessor}, e);
   if (truth != Truth::Unknown) preprocessor->fixTo(e, truth == Truth::True ? 1 : 0);
 }
 
-void BoundsCalculator::iifBounds(OXExpression& e) {
-  const IntInterval condition = preprocessor->intBounds(*ModelRecord::operand(e, 0));
-  if (isDouble(e)) {
+void BoundsCalculator::iifBounds(Index e) {
+  const IntInterval condition = IntReader{*preprocessor}.operand(e, 0);
+  if (preprocessor->isDouble(e)) {
     const DoubleReader bounds{*preprocessor};
     return preprocessor->intersectDoubleBounds(e, selectedOf(bounds, e, condition));
   }
-  if (ModelRecord::valueType(e) == kBoolType) iifBoolBounds(e);
+  if (preprocessor->isBool(e)) iifBoolBounds(e);
   preprocessor->intersectIntBounds(e, selectedOf(IntReader{*preprocessor}, e, condition));
 }
 
-void BoundsCalculator::iifBoolBounds(OXExpression& e) {
-  const IntInterval condition = preprocessor->intBounds(*ModelRecord::operand(e, 0));
+void BoundsCalculator::iifBoolBounds(Index e) {
+  const IntInterval condition = IntReader{*preprocessor}.operand(e, 0);
   const IntInterval selected = selectedOf(IntReader{*preprocessor}, e, condition);
   preprocessor->intersectIntBounds(e, selected.low == 0 ? 0 : 1, selected.high != 0 ? 1 : 0);
 }
 
-void BoundsCalculator::notBounds(OXExpression& e) {
-  const IntInterval x = preprocessor->intBounds(*ModelRecord::operand(e, 0));
+void BoundsCalculator::notBounds(Index e) {
+  const IntInterval x = IntReader{*preprocessor}.operand(e, 0);
   if (x.high == 0) {
     preprocessor->fixTo(e, 1);
   } else if (x.low == 1) {
@@ -270,91 +263,93 @@ void BoundsCalculator::notBounds(OXExpression& e) {
   }
 }
 
-void BoundsCalculator::andBounds(OXExpression& e) {
+void BoundsCalculator::andBounds(Index e) {
   const IntReader bounds{*preprocessor};
   IntInterval result = {1, 1};
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const IntInterval x = bounds(e, i);
+  for (const Index operand : bounds.preprocessor.operands(e)) {
+    const IntInterval x = bounds(operand);
     if (x.low == 0) result.low = 0;
     if (x.high == 0) result.high = 0;
   }
   preprocessor->intersectIntBounds(e, result);
 }
 
-void BoundsCalculator::orBounds(OXExpression& e) {
+void BoundsCalculator::orBounds(Index e) {
   const IntReader bounds{*preprocessor};
   IntInterval result = {0, 0};
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const IntInterval x = bounds(e, i);
+  for (const Index operand : bounds.preprocessor.operands(e)) {
+    const IntInterval x = bounds(operand);
     if (x.low == 1) result.low = 1;
     if (x.high == 1) result.high = 1;
   }
   preprocessor->intersectIntBounds(e, result);
 }
 
-void BoundsCalculator::xorBounds(OXExpression& e) {
+void BoundsCalculator::xorBounds(Index e) {
   const IntReader bounds{*preprocessor};
   bool allFalse = true;
   bool allTrue = true;
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const IntInterval x = bounds(e, i);
+  for (const Index operand : bounds.preprocessor.operands(e)) {
+    const IntInterval x = bounds(operand);
     if (x.high == 1) allFalse = false;
     if (x.low == 0) allTrue = false;
   }
   if (allFalse) {
     preprocessor->fixTo(e, 0);
   } else if (allTrue) {
-    preprocessor->fixTo(e, nbOperands(e) % 2);
+    preprocessor->fixTo(e, preprocessor->nbOperands(e) % 2);
   }
 }
 
-void BoundsCalculator::absBounds(OXExpression& e) {
-  if (isDouble(e)) {
-    preprocessor->intersectDoubleBounds(e, absInterval(DoubleReader{*preprocessor}(e, 0)));
+void BoundsCalculator::absBounds(Index e) {
+  if (preprocessor->isDouble(e)) {
+    preprocessor->intersectDoubleBounds(e, absInterval(DoubleReader{*preprocessor}.operand(e, 0)));
   } else {
-    preprocessor->intersectIntBounds(e, absInterval(IntReader{*preprocessor}(e, 0)));
+    preprocessor->intersectIntBounds(e, absInterval(IntReader{*preprocessor}.operand(e, 0)));
   }
 }
 
-void BoundsCalculator::distBounds(OXExpression& e) {
-  if (isDouble(e)) {
+void BoundsCalculator::distBounds(Index e) {
+  if (preprocessor->isDouble(e)) {
     const DoubleReader bounds{*preprocessor};
-    preprocessor->intersectDoubleBounds(e, distInterval(bounds(e, 0), bounds(e, 1)));
+    preprocessor->intersectDoubleBounds(e,
+                                        distInterval(bounds.operand(e, 0), bounds.operand(e, 1)));
   } else {
     const IntReader bounds{*preprocessor};
-    preprocessor->intersectIntBounds(e, distInterval(bounds(e, 0), bounds(e, 1)));
+    preprocessor->intersectIntBounds(e, distInterval(bounds.operand(e, 0), bounds.operand(e, 1)));
   }
 }
 
-void BoundsCalculator::divIntBounds(OXExpression& e) {
+void BoundsCalculator::divIntBounds(Index e) {
   const IntReader bounds{*preprocessor};
-  preprocessor->intersectIntBounds(
-      e, divInterval(bounds(e, 0), bounds(e, 1), OMBRIX_HERE("BoundsCalculator::divIntBounds")));
+  preprocessor->intersectIntBounds(e, divInterval(bounds.operand(e, 0), bounds.operand(e, 1),
+                                                  OMBRIX_HERE("BoundsCalculator::divIntBounds")));
 }
 
-void BoundsCalculator::divDoubleBounds(OXExpression& e) {
+void BoundsCalculator::divDoubleBounds(Index e) {
   const DoubleReader bounds{*preprocessor};
   preprocessor->intersectDoubleBounds(
-      e, divInterval(bounds(e, 0), bounds(e, 1), OMBRIX_HERE("BoundsCalculator::divDoubleBounds")));
+      e, divInterval(bounds.operand(e, 0), bounds.operand(e, 1),
+                     OMBRIX_HERE("BoundsCalculator::divDoubleBounds")));
 }
 
-void BoundsCalculator::modBounds(OXExpression& e) {
+void BoundsCalculator::modBounds(Index e) {
   const IntReader bounds{*preprocessor};
-  preprocessor->intersectIntBounds(
-      e, modInterval(bounds(e, 0), bounds(e, 1), OMBRIX_HERE("BoundsCalculator::modBounds")));
+  preprocessor->intersectIntBounds(e, modInterval(bounds.operand(e, 0), bounds.operand(e, 1),
+                                                  OMBRIX_HERE("BoundsCalculator::modBounds")));
 }
 
 /// The integer form leaves the position of the index's upper bound out; the double form takes it
 /// in, the last element standing for a position past the end.
-void BoundsCalculator::atBounds(OXExpression& e) {
-  const OXExpression& array = *ModelRecord::operand(e, 0);
-  const IntInterval index = preprocessor->intBounds(*ModelRecord::operand(e, 1));
-  const std::int64_t size = nbOperands(array);
-  const auto first = static_cast<std::int32_t>(std::clamp<std::int64_t>(index.low, 0, size));
-  const auto last = static_cast<std::int32_t>(std::clamp<std::int64_t>(index.high, 0, size));
+void BoundsCalculator::atBounds(Index e) {
+  const Index array = preprocessor->operand(e, 0);
+  const IntInterval index = IntReader{*preprocessor}.operand(e, 1);
+  const std::int64_t size = preprocessor->nbOperands(array);
+  const auto first = static_cast<Index>(std::clamp<std::int64_t>(index.low, 0, size));
+  const auto last = static_cast<Index>(std::clamp<std::int64_t>(index.high, 0, size));
   if (first == last) return;
-  if (isDouble(e)) {
-    const std::int32_t end = std::min(last + 1, nbOperands(array));
+  if (preprocessor->isDouble(e)) {
+    const Index end = std::min(last + 1, preprocessor->nbOperands(array));
     preprocessor->intersectDoubleBounds(
         e, hullOfElements(DoubleReader{*preprocessor}, array, first, end));
   } else {
@@ -363,19 +358,19 @@ void BoundsCalculator::atBounds(OXExpression& e) {
   }
 }
 
-void BoundsCalculator::powBounds(OXExpression& e) {
+void BoundsCalculator::powBounds(Index e) {
   const DoubleReader doubles{*preprocessor};
-  const OXExpression& exponent = *ModelRecord::operand(e, 1);
-  if (isDouble(exponent)) {
-    preprocessor->intersectDoubleBounds(e, powInterval(doubles(e, 0), doubles(exponent)));
+  const Index exponent = preprocessor->operand(e, 1);
+  if (preprocessor->isDouble(exponent)) {
+    preprocessor->intersectDoubleBounds(e, powInterval(doubles.operand(e, 0), doubles(exponent)));
   } else {
     preprocessor->intersectDoubleBounds(
-        e, powInterval(doubles(e, 0), preprocessor->intBounds(exponent)));
+        e, powInterval(doubles.operand(e, 0), preprocessor->intBounds(exponent)));
   }
 }
 
-void BoundsCalculator::tanBounds(OXExpression& e) {
-  const auto bounds = tanInterval(DoubleReader{*preprocessor}(e, 0));
+void BoundsCalculator::tanBounds(Index e) {
+  const auto bounds = tanInterval(DoubleReader{*preprocessor}.operand(e, 0));
   if (bounds.has_value()) preprocessor->intersectDoubleBounds(e, *bounds);
 }
 

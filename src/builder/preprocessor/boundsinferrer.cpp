@@ -8,83 +8,65 @@ namespace ombrix {
 
 namespace {
 
-constexpr std::int32_t kNew = 0;
-constexpr std::int32_t kQueued = 1;
-constexpr std::int32_t kTreated = 2;
-
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-bool isDouble(const OXExpression& e) {
-  return ModelRecord::valueType(e) == kDoubleType;
-}
-
-std::int32_t nbOperands(const OXExpression& e) {
-  return ModelRecord::nbOperands(e);
-}
-
-OXExpression& operand(const OXExpression& e, std::int32_t position) {
-  return *ModelRecord::operand(e, position);
-}
 
 }  // namespace
 
 void BoundsInferrer::run() {
   queue.clear();
-  states.assign(preprocessor->unaries.size(), kNew);
+  states.assign(preprocessor->nbExpressions(), kNew);
   pushRoots();
   pushConstraints();
-  while (!queue.empty()) {
-    OXExpression& e = *queue.front();
-    queue.pop_front();
-    states[Preprocessor::at(e)] = kTreated;
+  for (std::size_t front = 0; front < queue.size(); ++front) {
+    const Index e = queue[front];
+    states[e] = kTreated;
     applyRule(e);
     markIfKnown(e);
     pushNewOperands(e);
   }
 }
 
+void BoundsInferrer::push(Index e) {
+  queue.push_back(e);
+  states[e] = kQueued;
+}
+
 void BoundsInferrer::pushRoots() {
-  for (OXExpression* root : preprocessor->roots) {
-    queue.push_back(root);
-    states[Preprocessor::at(*root)] = kQueued;
-  }
+  for (const OXExpression* root : preprocessor->roots) push(Preprocessor::at(*root));
 }
 
 /// A conditional over numbers can be posted as a constraint; a double one is then the number 1.
 void BoundsInferrer::pushConstraints() {
-  for (OXExpression* constraint : ModelRecord::constraints(*preprocessor->model)) {
-    queue.push_back(constraint);
-    states[Preprocessor::at(*constraint)] = kQueued;
-    if (isDouble(*constraint)) {
-      preprocessor->intersectDoubleBounds(*constraint, 1.0, 1.0);
+  for (const OXExpression* constraint : ModelRecord::constraints(*preprocessor->model)) {
+    const Index e = Preprocessor::at(*constraint);
+    push(e);
+    if (preprocessor->isDouble(e)) {
+      preprocessor->intersectDoubleBounds(e, 1.0, 1.0);
     } else {
-      preprocessor->intersectIntBounds(*constraint, 1, 1);
+      preprocessor->intersectIntBounds(e, 1, 1);
     }
   }
 }
 
-void BoundsInferrer::pushNewOperands(const OXExpression& e) {
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    std::int32_t& state = states[static_cast<std::size_t>(ModelRecord::operandIndex(e, i))];
-    if (state != kNew) continue;
-    queue.push_back(&operand(e, i));
-    state = kQueued;
+void BoundsInferrer::pushNewOperands(Index e) {
+  for (const Index x : preprocessor->operands(e)) {
+    if (states[x] == kNew) push(x);
   }
 }
 
-void BoundsInferrer::markIfKnown(const OXExpression& e) {
-  const OXOperator op = ModelRecord::op(e);
+void BoundsInferrer::markIfKnown(Index e) {
+  const OXOperator op = preprocessor->op(e);
   if ((op == OXOperator::Bool || op == OXOperator::Const) && isPoint(e)) {
     preprocessor->markFixed(e);
   }
 }
 
-void BoundsInferrer::applyRule(OXExpression& e) {
-  switch (ModelRecord::op(e)) {
+void BoundsInferrer::applyRule(Index e) {
+  switch (preprocessor->op(e)) {
     case OXOperator::Sum:
       return inferSum(e);
     case OXOperator::Prod:
-      return isDouble(e) ? inferDoubleProd(e) : inferIntProd(e);
+      return preprocessor->isDouble(e) ? inferDoubleProd(e) : inferIntProd(e);
     case OXOperator::Max:
       return inferMax(e);
     case OXOperator::Min:
@@ -122,10 +104,9 @@ void BoundsInferrer::applyRule(OXExpression& e) {
 }
 
 /// No operand is above the maximum. An integer below a double is rounded outward.
-void BoundsInferrer::inferMax(const OXExpression& e) {
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    OXExpression& x = operand(e, i);
-    if (isDouble(x)) {
+void BoundsInferrer::inferMax(Index e) {
+  for (const Index x : preprocessor->operands(e)) {
+    if (preprocessor->isDouble(x)) {
       const double low = preprocessor->doubleBounds(x).low;
       preprocessor->intersectDoubleBounds(x, low, preprocessor->doubleBounds(e).high);
     } else {
@@ -134,10 +115,9 @@ void BoundsInferrer::inferMax(const OXExpression& e) {
   }
 }
 
-void BoundsInferrer::inferMin(const OXExpression& e) {
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    OXExpression& x = operand(e, i);
-    if (isDouble(x)) {
+void BoundsInferrer::inferMin(Index e) {
+  for (const Index x : preprocessor->operands(e)) {
+    if (preprocessor->isDouble(x)) {
       const double high = preprocessor->doubleBounds(x).high;
       preprocessor->intersectDoubleBounds(x, preprocessor->doubleBounds(e).low, high);
     } else {
@@ -146,32 +126,32 @@ void BoundsInferrer::inferMin(const OXExpression& e) {
   }
 }
 
-void BoundsInferrer::inferNot(const OXExpression& e) {
+void BoundsInferrer::inferNot(Index e) {
   if (isKnownTrue(e)) intersectOperands(e, {0, 0});
   if (isKnownFalse(e)) intersectOperands(e, {1, 1});
 }
 
-void BoundsInferrer::inferAnd(OXExpression& e) {
+void BoundsInferrer::inferAnd(Index e) {
   if (isKnownTrue(e)) return intersectOperands(e, {1, 1});
   if (!isKnownFalse(e)) return;
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    if (!isKnownTrue(operand(e, i))) return;
+  for (const Index x : preprocessor->operands(e)) {
+    if (!isKnownTrue(x)) return;
   }
-  preprocessor->conflicts.push_back(&e);
+  preprocessor->noteConflict(e);
 }
 
-void BoundsInferrer::inferOr(OXExpression& e) {
+void BoundsInferrer::inferOr(Index e) {
   if (isKnownFalse(e)) return intersectOperands(e, {0, 0});
   if (!isKnownTrue(e)) return;
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    if (!isKnownFalse(operand(e, i))) return;
+  for (const Index x : preprocessor->operands(e)) {
+    if (!isKnownFalse(x)) return;
   }
-  preprocessor->conflicts.push_back(&e);
+  preprocessor->noteConflict(e);
 }
 
 /// Narrows the absolute value itself by its own upper bound, and infers nothing about its operand.
-void BoundsInferrer::inferAbs(OXExpression& e) {
-  if (isDouble(operand(e, 0))) {
+void BoundsInferrer::inferAbs(Index e) {
+  if (preprocessor->isDouble(preprocessor->operand(e, 0))) {
     const double high = preprocessor->doubleBounds(e).high;
     preprocessor->intersectDoubleBounds(e, -high, high);
   } else {
@@ -181,9 +161,9 @@ void BoundsInferrer::inferAbs(OXExpression& e) {
 }
 
 /// The divisor of an integer quotient is not 0, which narrows it where 0 is one of its ends.
-void BoundsInferrer::inferDiv(const OXExpression& e) {
-  if (isDouble(e)) return;
-  OXExpression& divisor = operand(e, 1);
+void BoundsInferrer::inferDiv(Index e) {
+  if (preprocessor->isDouble(e)) return;
+  const Index divisor = preprocessor->operand(e, 1);
   const IntInterval bounds = preprocessor->intBounds(divisor);
   if (bounds.low == 0) {
     preprocessor->intersectIntBounds(divisor, 1, kIntMax);
@@ -192,37 +172,37 @@ void BoundsInferrer::inferDiv(const OXExpression& e) {
   }
 }
 
-void BoundsInferrer::inferAt(const OXExpression& e) {
-  const std::int64_t size = nbOperands(operand(e, 0));
-  preprocessor->intersectIntBounds(operand(e, 1), 0, size - 1);
+void BoundsInferrer::inferAt(Index e) {
+  const std::int64_t size = preprocessor->nbOperands(preprocessor->operand(e, 0));
+  preprocessor->intersectIntBounds(preprocessor->operand(e, 1), 0, size - 1);
 }
 
 /// Square roots and logarithms have no negative operand.
-void BoundsInferrer::inferNonNegative(const OXExpression& e) {
-  OXExpression& x = operand(e, 0);
-  if (isDouble(x)) {
+void BoundsInferrer::inferNonNegative(Index e) {
+  const Index x = preprocessor->operand(e, 0);
+  if (preprocessor->isDouble(x)) {
     preprocessor->intersectDoubleBounds(x, 0.0, kInfinity);
   } else {
     preprocessor->intersectIntBounds(x, 0, kIntMax);
   }
 }
 
-void BoundsInferrer::intersectOperands(const OXExpression& e, IntInterval bounds) {
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    preprocessor->intersectIntBounds(operand(e, i), bounds);
+void BoundsInferrer::intersectOperands(Index e, IntInterval bounds) {
+  for (const Index x : preprocessor->operands(e)) {
+    preprocessor->intersectIntBounds(x, bounds);
   }
 }
 
-bool BoundsInferrer::isKnownTrue(const OXExpression& e) const {
+bool BoundsInferrer::isKnownTrue(Index e) const {
   return isPoint(e) && preprocessor->intBounds(e).low != 0;
 }
 
-bool BoundsInferrer::isKnownFalse(const OXExpression& e) const {
+bool BoundsInferrer::isKnownFalse(Index e) const {
   return isPoint(e) && preprocessor->intBounds(e).low == 0;
 }
 
-bool BoundsInferrer::isUnbounded(const OXExpression& e) const {
-  if (isDouble(e)) {
+bool BoundsInferrer::isUnbounded(Index e) const {
+  if (preprocessor->isDouble(e)) {
     const DoubleInterval bounds = preprocessor->doubleBounds(e);
     return bounds.low == -kInfinity || bounds.high == kInfinity;
   }
@@ -230,13 +210,13 @@ bool BoundsInferrer::isUnbounded(const OXExpression& e) const {
   return bounds.low == kIntMin || bounds.high == kIntMax;
 }
 
-std::int64_t BoundsInferrer::lowerAsInt(const OXExpression& e) const {
-  if (isDouble(e)) return floorEnd(preprocessor->doubleBounds(e).low);
+std::int64_t BoundsInferrer::lowerAsInt(Index e) const {
+  if (preprocessor->isDouble(e)) return floorEnd(preprocessor->doubleBounds(e).low);
   return preprocessor->intBounds(e).low;
 }
 
-std::int64_t BoundsInferrer::upperAsInt(const OXExpression& e) const {
-  if (isDouble(e)) return ceilEnd(preprocessor->doubleBounds(e).high);
+std::int64_t BoundsInferrer::upperAsInt(Index e) const {
+  if (preprocessor->isDouble(e)) return ceilEnd(preprocessor->doubleBounds(e).high);
   return preprocessor->intBounds(e).high;
 }
 

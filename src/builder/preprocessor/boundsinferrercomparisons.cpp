@@ -11,10 +11,6 @@ namespace ombrix {
 
 namespace {
 
-bool isDouble(const OXExpression& e) {
-  return ModelRecord::valueType(e) == kDoubleType;
-}
-
 /// Of a false comparison the opposite one is true.
 OXOperator opposite(OXOperator op) {
   switch (op) {
@@ -32,9 +28,9 @@ OXOperator opposite(OXOperator op) {
 }  // namespace
 
 /// Both operands are equal.
-void BoundsInferrer::inferEqual(const OXExpression& e) {
-  OXExpression& a = *ModelRecord::operand(e, 0);
-  OXExpression& b = *ModelRecord::operand(e, 1);
+void BoundsInferrer::inferEqual(Index e) {
+  const Index a = preprocessor->operand(e, 0);
+  const Index b = preprocessor->operand(e, 1);
   if (preprocessor->hasDoubleOperand(e)) {
     doubleEqualTo(a, b);
     doubleEqualTo(b, a);
@@ -44,8 +40,8 @@ void BoundsInferrer::inferEqual(const OXExpression& e) {
   }
 }
 
-void BoundsInferrer::doubleEqualTo(OXExpression& a, const OXExpression& b) {
-  if (isDouble(a)) {
+void BoundsInferrer::doubleEqualTo(Index a, Index b) {
+  if (preprocessor->isDouble(a)) {
     preprocessor->intersectDoubleBounds(a, preprocessor->doubleBounds(b));
   } else {
     preprocessor->intersectIntBounds(a, lowerAsInt(b), upperAsInt(b));
@@ -53,10 +49,10 @@ void BoundsInferrer::doubleEqualTo(OXExpression& a, const OXExpression& b) {
 }
 
 /// Doubles have no strict order: whichever of both operands is larger may be equal as well.
-void BoundsInferrer::inferOrder(const OXExpression& e) {
-  OXExpression& a = *ModelRecord::operand(e, 0);
-  OXExpression& b = *ModelRecord::operand(e, 1);
-  const OXOperator op = isKnownTrue(e) ? ModelRecord::op(e) : opposite(ModelRecord::op(e));
+void BoundsInferrer::inferOrder(Index e) {
+  const Index a = preprocessor->operand(e, 0);
+  const Index b = preprocessor->operand(e, 1);
+  const OXOperator op = isKnownTrue(e) ? preprocessor->op(e) : opposite(preprocessor->op(e));
   const bool isFirstLarger = op == OXOperator::Geq || op == OXOperator::Gt;
   if (preprocessor->hasDoubleOperand(e))
     return isFirstLarger ? doubleAtLeast(a, b) : doubleAtLeast(b, a);
@@ -72,33 +68,33 @@ void BoundsInferrer::inferOrder(const OXExpression& e) {
   }
 }
 
-void BoundsInferrer::intAtMost(OXExpression& a, OXExpression& b) {
+void BoundsInferrer::intAtMost(Index a, Index b) {
   preprocessor->intersectIntBounds(a, kIntMin, preprocessor->intBounds(b).high);
   preprocessor->intersectIntBounds(b, preprocessor->intBounds(a).low, kIntMax);
 }
 
-void BoundsInferrer::intAtLeast(OXExpression& a, OXExpression& b) {
+void BoundsInferrer::intAtLeast(Index a, Index b) {
   preprocessor->intersectIntBounds(a, preprocessor->intBounds(b).low, kIntMax);
   preprocessor->intersectIntBounds(b, kIntMin, preprocessor->intBounds(a).high);
 }
 
-void BoundsInferrer::intBelow(OXExpression& a, OXExpression& b) {
+void BoundsInferrer::intBelow(Index a, Index b) {
   preprocessor->intersectIntBounds(a, kIntMin, saturatingSub(preprocessor->intBounds(b).high, 1));
   preprocessor->intersectIntBounds(b, saturatingAdd(preprocessor->intBounds(a).low, 1), kIntMax);
 }
 
-void BoundsInferrer::intAbove(OXExpression& a, OXExpression& b) {
+void BoundsInferrer::intAbove(Index a, Index b) {
   preprocessor->intersectIntBounds(a, saturatingAdd(preprocessor->intBounds(b).low, 1), kIntMax);
   preprocessor->intersectIntBounds(b, kIntMin, saturatingSub(preprocessor->intBounds(a).high, 1));
 }
 
-void BoundsInferrer::doubleAtLeast(OXExpression& a, OXExpression& b) {
-  for (OXExpression* e : {&a, &b}) {
-    if (isDouble(*e)) {
-      preprocessor->intersectDoubleBounds(*e, preprocessor->doubleBounds(b).low,
+void BoundsInferrer::doubleAtLeast(Index a, Index b) {
+  for (const Index e : {a, b}) {
+    if (preprocessor->isDouble(e)) {
+      preprocessor->intersectDoubleBounds(e, preprocessor->doubleBounds(b).low,
                                           preprocessor->doubleBounds(a).high);
     } else {
-      preprocessor->intersectIntBounds(*e, lowerAsInt(b), upperAsInt(a));
+      preprocessor->intersectIntBounds(e, lowerAsInt(b), upperAsInt(a));
     }
   }
 }

@@ -9,24 +9,14 @@ namespace ombrix {
 
 namespace {
 
+using Index = Preprocessor::Index;
+
 /// Wide enough for any sum of 64-bit bounds, so that an overflow is never taken for a
 /// contradiction.
 __extension__ typedef __int128 WideInt;
 
 std::int64_t clampWide(WideInt x) {
   return static_cast<std::int64_t>(std::clamp(x, WideInt{kIntMin}, WideInt{kIntMax}));
-}
-
-bool isDouble(const OXExpression& e) {
-  return ModelRecord::valueType(e) == kDoubleType;
-}
-
-std::int32_t nbOperands(const OXExpression& e) {
-  return ModelRecord::nbOperands(e);
-}
-
-OXExpression& operand(const OXExpression& e, std::int32_t position) {
-  return *ModelRecord::operand(e, position);
 }
 
 bool excludesZero(IntInterval x) {
@@ -45,19 +35,17 @@ bool excludesZero(DoubleInterval x) {
 }
 
 /// The product of the fixed operands, by the evaluator's arithmetic.
-std::int64_t fixedIntProduct(const Preprocessor& preprocessor, const OXExpression& e) {
+std::int64_t fixedIntProduct(const Preprocessor& preprocessor, Index e) {
   std::int64_t result = 1;
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const OXExpression& x = operand(e, i);
+  for (const Index x : preprocessor.operands(e)) {
     if (preprocessor.isFixed(x)) result = wrappingMul(result, preprocessor.intBounds(x).low);
   }
   return result;
 }
 
-double fixedDoubleProduct(const Preprocessor& preprocessor, const OXExpression& e) {
+double fixedDoubleProduct(const Preprocessor& preprocessor, Index e) {
   double result = 1.0;
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const OXExpression& x = operand(e, i);
+  for (const Index x : preprocessor.operands(e)) {
     if (preprocessor.isFixed(x)) result *= preprocessor.doubleBounds(x).low;
   }
   return result;
@@ -66,12 +54,14 @@ double fixedDoubleProduct(const Preprocessor& preprocessor, const OXExpression& 
 }  // namespace
 
 /// Each operand lies within what the sum allows once all others stand at their far ends.
-void BoundsInferrer::inferSum(const OXExpression& e) {
+void BoundsInferrer::inferSum(Index e) {
   if (isUnbounded(e)) return;
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    if (isUnbounded(operand(e, i))) return;
+  bool hasDouble = false;
+  for (const Index x : preprocessor->operands(e)) {
+    if (isUnbounded(x)) return;
+    hasDouble = hasDouble || preprocessor->isDouble(x);
   }
-  if (preprocessor->hasDoubleOperand(e)) {
+  if (hasDouble) {
     inferDoubleSum(e);
   } else {
     inferIntSum(e);
@@ -79,17 +69,16 @@ void BoundsInferrer::inferSum(const OXExpression& e) {
 }
 
 /// The sums are taken once: an operand narrowed on the way leaves them too wide, never too narrow.
-void BoundsInferrer::inferIntSum(const OXExpression& e) {
+void BoundsInferrer::inferIntSum(Index e) {
   const IntInterval sum = preprocessor->intBounds(e);
   WideInt lowSum = 0;
   WideInt highSum = 0;
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const IntInterval x = preprocessor->intBounds(operand(e, i));
-    lowSum += x.low;
-    highSum += x.high;
+  for (const Index x : preprocessor->operands(e)) {
+    const IntInterval bounds = preprocessor->intBounds(x);
+    lowSum += bounds.low;
+    highSum += bounds.high;
   }
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    OXExpression& x = operand(e, i);
+  for (const Index x : preprocessor->operands(e)) {
     const IntInterval bounds = preprocessor->intBounds(x);
     preprocessor->intersectIntBounds(x, clampWide(sum.low - (highSum - bounds.high)),
                                      clampWide(sum.high - (lowSum - bounds.low)));
@@ -97,21 +86,20 @@ void BoundsInferrer::inferIntSum(const OXExpression& e) {
 }
 
 /// An integer operand is rounded outward, with the tolerance on top.
-void BoundsInferrer::inferDoubleSum(const OXExpression& e) {
+void BoundsInferrer::inferDoubleSum(Index e) {
   const DoubleInterval sum = preprocessor->doubleBounds(e);
   double lowSum = 0.0;
   double highSum = 0.0;
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    const DoubleInterval x = preprocessor->doubleBounds(operand(e, i));
-    lowSum += x.low;
-    highSum += x.high;
+  for (const Index x : preprocessor->operands(e)) {
+    const DoubleInterval bounds = preprocessor->doubleBounds(x);
+    lowSum += bounds.low;
+    highSum += bounds.high;
   }
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    OXExpression& x = operand(e, i);
+  for (const Index x : preprocessor->operands(e)) {
     const DoubleInterval bounds = preprocessor->doubleBounds(x);
     const double low = sum.low - (highSum - bounds.high);
     const double high = sum.high - (lowSum - bounds.low);
-    if (isDouble(x)) {
+    if (preprocessor->isDouble(x)) {
       preprocessor->intersectDoubleBounds(x, low, high);
     } else {
       preprocessor->intersectIntBounds(x, floorEnd(low), ceilEnd(high));
@@ -120,18 +108,18 @@ void BoundsInferrer::inferDoubleSum(const OXExpression& e) {
 }
 
 /// With one free operand, a boolean, the product is either 0 or the product of the fixed ones.
-void BoundsInferrer::inferIntProd(OXExpression& e) {
+void BoundsInferrer::inferIntProd(Index e) {
   const IntInterval product = preprocessor->intBounds(e);
   if (product == IntInterval{1, 1}) intersectOperands(e, {-1, 1});
   if (product == IntInterval{0, 0}) {
     bool canBeZero = false;
-    for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-      canBeZero = canBeZero || !excludesZero(preprocessor->intBounds(operand(e, i)));
+    for (const Index x : preprocessor->operands(e)) {
+      canBeZero = canBeZero || !excludesZero(preprocessor->intBounds(x));
     }
-    if (!canBeZero) preprocessor->conflicts.push_back(&e);
+    if (!canBeZero) preprocessor->noteConflict(e);
   }
-  OXExpression* boolean = findFreeBoolean(e);
-  if (boolean == nullptr) return;
+  const std::optional<Index> boolean = findFreeBoolean(e);
+  if (!boolean.has_value()) return;
   const std::int64_t factor = fixedIntProduct(*preprocessor, e);
   if (excludesZero(product)) {
     preprocessor->fixTo(*boolean, 1);
@@ -140,17 +128,17 @@ void BoundsInferrer::inferIntProd(OXExpression& e) {
   }
 }
 
-void BoundsInferrer::inferDoubleProd(OXExpression& e) {
+void BoundsInferrer::inferDoubleProd(Index e) {
   const DoubleInterval product = preprocessor->doubleBounds(e);
   if (approxEqual(product.low, product.high) && approxEqual(product.low, 0.0)) {
     bool canBeZero = false;
-    for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-      canBeZero = canBeZero || !excludesZero(preprocessor->doubleBounds(operand(e, i)));
+    for (const Index x : preprocessor->operands(e)) {
+      canBeZero = canBeZero || !excludesZero(preprocessor->doubleBounds(x));
     }
-    if (!canBeZero) preprocessor->conflicts.push_back(&e);
+    if (!canBeZero) preprocessor->noteConflict(e);
   }
-  OXExpression* boolean = findFreeBoolean(e);
-  if (boolean == nullptr) return;
+  const std::optional<Index> boolean = findFreeBoolean(e);
+  if (!boolean.has_value()) return;
   const double factor = fixedDoubleProduct(*preprocessor, e);
   if (excludesZero(product)) {
     preprocessor->fixTo(*boolean, 1);
@@ -162,14 +150,13 @@ void BoundsInferrer::inferDoubleProd(OXExpression& e) {
 }
 
 /// The one operand of a product of at least two that is not fixed, if it is a boolean.
-OXExpression* BoundsInferrer::findFreeBoolean(const OXExpression& e) const {
-  if (nbOperands(e) < 2) return nullptr;
-  OXExpression* result = nullptr;
-  for (std::int32_t i = 0; i < nbOperands(e); ++i) {
-    OXExpression& x = operand(e, i);
+std::optional<Index> BoundsInferrer::findFreeBoolean(Index e) const {
+  if (preprocessor->nbOperands(e) < 2) return std::nullopt;
+  std::optional<Index> result;
+  for (const Index x : preprocessor->operands(e)) {
     if (preprocessor->isFixed(x)) continue;
-    if (result != nullptr || ModelRecord::valueType(x) != kBoolType) return nullptr;
-    result = &x;
+    if (result.has_value() || !preprocessor->isBool(x)) return std::nullopt;
+    result = x;
   }
   return result;
 }

@@ -2,26 +2,14 @@
 
 namespace ombrix {
 
-namespace {
-
-bool isArray(const OXExpression& e) {
-  return ModelRecord::op(e) == OXOperator::Array;
-}
-
-bool isDouble(const OXExpression& e) {
-  return ModelRecord::valueType(e) == kDoubleType;
-}
-
-}  // namespace
-
 void ConstantFinder::run() {
-  walk.run(*preprocessor->model, preprocessor->roots, [this](OXExpression& e) {
-    if (!isArray(e) && !preprocessor->isFixed(e)) visit(e);
-  });
+  for (const Index e : preprocessor->bottomUp()) {
+    if (!preprocessor->isArray(e) && !preprocessor->isFixed(e)) visit(e);
+  }
 }
 
-void ConstantFinder::visit(OXExpression& e) {
-  switch (ModelRecord::op(e)) {
+void ConstantFinder::visit(Index e) {
+  switch (preprocessor->op(e)) {
     case OXOperator::Bool:
       if (preprocessor->hasEqualBounds(e)) preprocessor->markFixed(e);
       return;
@@ -40,54 +28,54 @@ void ConstantFinder::visit(OXExpression& e) {
 }
 
 /// A fixed index outside the array tells nothing: reading the value is what fails.
-void ConstantFinder::visitAt(OXExpression& e) {
-  const OXExpression& array = *ModelRecord::operand(e, 0);
-  const OXExpression& index = *ModelRecord::operand(e, 1);
+void ConstantFinder::visitAt(Index e) {
+  const Index array = preprocessor->operand(e, 0);
+  const Index index = preprocessor->operand(e, 1);
   if (!preprocessor->isFixed(index)) return;
   const std::int64_t position = preprocessor->intBounds(index).low;
-  if (position < 0 || position >= ModelRecord::nbOperands(array)) return;
-  if (!preprocessor->isFixed(*ModelRecord::operand(array, static_cast<std::int32_t>(position)))) {
-    return;
-  }
-  intersect(e, EvaluatorTools::atEval(e, preprocessor->lowerBounds.data()));
+  if (position < 0 || position >= preprocessor->nbOperands(array)) return;
+  const auto element = preprocessor->operand(array, static_cast<Index>(position));
+  if (!preprocessor->isFixed(element)) return;
+  intersect(e,
+            EvaluatorTools::atEval(preprocessor->expression(e), preprocessor->lowerBounds.data()));
   preprocessor->markFixed(e);
 }
 
-void ConstantFinder::evaluateIfFixed(OXExpression& e) {
+void ConstantFinder::evaluateIfFixed(Index e) {
   if (!areOperandsFixed(e)) return;
   if (!preprocessor->hasEqualBounds(e)) intersect(e, evaluate(e));
   preprocessor->markFixed(e);
 }
 
 /// An array is never fixed itself, so an expression over arrays never has all operands fixed.
-bool ConstantFinder::areOperandsFixed(const OXExpression& e) const {
-  for (std::int32_t i = 0; i < ModelRecord::nbOperands(e); ++i) {
-    const OXExpression& x = *ModelRecord::operand(e, i);
-    if (isArray(x) || !preprocessor->isFixed(x)) return false;
+bool ConstantFinder::areOperandsFixed(Index e) const {
+  for (const Index x : preprocessor->operands(e)) {
+    if (preprocessor->isArray(x) || !preprocessor->isFixed(x)) return false;
   }
   return true;
 }
 
-bool ConstantFinder::hasOperandAt(const OXExpression& e, std::int64_t value) const {
-  for (std::int32_t i = 0; i < ModelRecord::nbOperands(e); ++i) {
-    const OXExpression& x = *ModelRecord::operand(e, i);
-    if (isArray(x) || !preprocessor->hasEqualBounds(x)) continue;
-    const bool isThere =
-        isDouble(x) ? approxEqual(preprocessor->doubleBounds(x).low, static_cast<double>(value))
-                    : preprocessor->intBounds(x).low == value;
+bool ConstantFinder::hasOperandAt(Index e, std::int64_t value) const {
+  for (const Index x : preprocessor->operands(e)) {
+    if (preprocessor->isArray(x) || !preprocessor->hasEqualBounds(x)) continue;
+    const bool isThere = preprocessor->isDouble(x) ? approxEqual(preprocessor->doubleBounds(x).low,
+                                                                 static_cast<double>(value))
+                                                   : preprocessor->intBounds(x).low == value;
     if (isThere) return true;
   }
   return false;
 }
 
-OXTypedValue ConstantFinder::evaluate(const OXExpression& e) const {
+OXTypedValue ConstantFinder::evaluate(Index e) const {
   const OXValue* values = preprocessor->lowerBounds.data();
-  return EvaluatorTools::evaluate(ModelRecord::op(e), ExpressionEvaluatorIterator::begin(values, e),
-                                  ExpressionEvaluatorIterator::end(values, e));
+  const OXExpression& expression = preprocessor->expression(e);
+  return EvaluatorTools::evaluate(preprocessor->op(e),
+                                  ExpressionEvaluatorIterator::begin(values, expression),
+                                  ExpressionEvaluatorIterator::end(values, expression));
 }
 
-void ConstantFinder::fixAt(OXExpression& e, std::int64_t value) {
-  if (isDouble(e)) {
+void ConstantFinder::fixAt(Index e, std::int64_t value) {
+  if (preprocessor->isDouble(e)) {
     intersect(e, OXTypedValue::ofDouble(static_cast<double>(value)));
   } else {
     intersect(e, OXTypedValue::ofInt(value));
@@ -95,7 +83,7 @@ void ConstantFinder::fixAt(OXExpression& e, std::int64_t value) {
   preprocessor->markFixed(e);
 }
 
-void ConstantFinder::intersect(OXExpression& e, const OXTypedValue& result) {
+void ConstantFinder::intersect(Index e, const OXTypedValue& result) {
   if (result.type == kDoubleType) {
     preprocessor->intersectDoubleBounds(e, result.value.doubleValue, result.value.doubleValue);
   } else {

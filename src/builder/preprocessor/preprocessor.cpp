@@ -1,9 +1,8 @@
 #include "builder/preprocessor/preprocessor.h"
 
-#include <algorithm>
-#include <cmath>
 #include <limits>
 
+#include "builder/preprocessor/postorderwalk.h"
 #include "solver/kernel/saturating.h"
 
 namespace ombrix {
@@ -23,71 +22,67 @@ Preprocessor::Preprocessor(OXModel& closedModel, DagFixedFields& fields)
       fixed(unaries.size(), false),
       lowerBounds(unaries.size(), OXValue::ofInt(0)),
       upperBounds(unaries.size(), OXValue::ofInt(0)) {
-  countUses();
-  collectRoots();
-  for (const OXExpression* e : unaries) initBounds(*e);
-  counts = {};  // constants of the model are nothing that a pass proves
-}
-
-void Preprocessor::countUses() {
-  for (const OXExpression* e : unaries) {
-    const std::int32_t* operands = ModelRecord::operandIndices(*e);
-    for (std::int32_t i = 0; i < ModelRecord::nbOperands(*e); ++i) {
-      ++useCounts[static_cast<std::size_t>(operands[i])];
-    }
-  }
-}
-
-void Preprocessor::collectRoots() {
+  readShape();
+  readOperands();
   for (OXExpression* e : unaries) {
     const bool isWanted = ModelRecord::isConstraint(*e) || ModelRecord::isObjective(*e);
     if (isWanted && useCounts[at(*e)] == 0) roots.push_back(e);
   }
+  counts = {};  // constants of the model are nothing that a pass proves
+}
+
+void Preprocessor::readShape() {
+  ops.reserve(unaries.size());
+  types.reserve(unaries.size());
+  operandStarts.reserve(unaries.size() + 1);
+  std::size_t nbPositions = 0;
+  for (const OXExpression* e : unaries) {
+    ops.push_back(static_cast<std::uint8_t>(ModelRecord::op(*e)));
+    types.push_back(ModelRecord::valueType(*e));
+    operandStarts.push_back(nbPositions);
+    nbPositions += static_cast<std::size_t>(ModelRecord::nbOperands(*e));
+    initBounds(*e);
+  }
+  operandStarts.push_back(nbPositions);
+}
+
+void Preprocessor::readOperands() {
+  operandLists.reserve(operandStarts.back());
+  for (const OXExpression* e : unaries) {
+    const std::int32_t* operands = ModelRecord::operandIndices(*e);
+    for (std::int32_t i = 0; i < ModelRecord::nbOperands(*e); ++i) {
+      const auto x = static_cast<Index>(operands[i]);
+      operandLists.push_back(x);
+      ++useCounts[x];
+    }
+  }
 }
 
 void Preprocessor::initBounds(const OXExpression& e) {
+  const Index index = at(e);
   if (ModelRecord::op(e) == OXOperator::Const) {
-    setBounds(e, ModelRecord::constant(e), ModelRecord::constant(e));
-    markFixed(e);
+    setBounds(index, ModelRecord::constant(e), ModelRecord::constant(e));
+    markFixed(index);
     return;
   }
   switch (ModelRecord::valueType(e)) {
     case kBoolType:
-      return setBounds(e, OXValue::ofInt(0), OXValue::ofInt(1));
+      return setBounds(index, OXValue::ofInt(0), OXValue::ofInt(1));
     case kIntType:
-      return setBounds(e, OXValue::ofInt(kIntMin), OXValue::ofInt(kIntMax));
+      return setBounds(index, OXValue::ofInt(kIntMin), OXValue::ofInt(kIntMax));
     case kDoubleType:
-      return setBounds(e, OXValue::ofDouble(-kInfinity), OXValue::ofDouble(kInfinity));
+      return setBounds(index, OXValue::ofDouble(-kInfinity), OXValue::ofDouble(kInfinity));
     default:
       return;
   }
 }
 
-void Preprocessor::setBounds(const OXExpression& e, OXValue low, OXValue high) {
-  lowerBounds[at(e)] = low;
-  upperBounds[at(e)] = high;
+const std::vector<Preprocessor::Index>& Preprocessor::bottomUp() {
+  if (order.empty()) order = PostOrderWalk(*this).run();
+  return order;
 }
 
-DoubleInterval Preprocessor::doubleBounds(const OXExpression& e) const {
-  if (ModelRecord::valueType(e) == kDoubleType) {
-    return {lowerBounds[at(e)].doubleValue, upperBounds[at(e)].doubleValue};
-  }
-  return toDouble(intBounds(e));
-}
-
-void Preprocessor::intersectIntBounds(OXExpression& e, std::int64_t low, std::int64_t high) {
-  const IntInterval known = intBounds(e);
-  const std::int64_t newLow = std::max(low, known.low);
-  const std::int64_t newHigh = std::min(high, known.high);
-  if (newLow <= newHigh) {
-    if (newLow != known.low || newHigh != known.high) ++counts.nbNarrowed;
-    setBounds(e, OXValue::ofInt(newLow), OXValue::ofInt(newHigh));
-  } else {
-    conflicts.push_back(&e);
-  }
-}
-
-void Preprocessor::intersectDoubleBounds(OXExpression& e, double low, double high) {
+void Preprocessor::intersectDoubleBounds(Index e, double low, double high) {
   if (std::isnan(low) || std::isnan(high)) return;
   const DoubleInterval known = doubleBounds(e);
   const double newLow = std::max(low, known.low);
@@ -98,17 +93,8 @@ void Preprocessor::intersectDoubleBounds(OXExpression& e, double low, double hig
   } else if (approxEqual(newLow, newHigh)) {
     setBounds(e, OXValue::ofDouble(newHigh), OXValue::ofDouble(newLow));
   } else {
-    conflicts.push_back(&e);
+    noteConflict(e);
   }
-}
-
-bool Preprocessor::hasEqualBounds(const OXExpression& e) const {
-  const OXValue low = lowerBounds[at(e)];
-  const OXValue high = upperBounds[at(e)];
-  if (ModelRecord::valueType(e) == kDoubleType) {
-    return approxEqual(low.doubleValue, high.doubleValue);
-  }
-  return low.intValue == high.intValue;
 }
 
 bool Preprocessor::hasDoubleOperand(const OXExpression& e) const {

@@ -1,26 +1,23 @@
 #include "builder/preprocessor/unaryfinder.h"
 
+#include <numeric>
+
 namespace ombrix {
 
-namespace {
-
-bool isDouble(const OXExpression& e) {
-  return ModelRecord::valueType(e) == kDoubleType;
-}
-
-}  // namespace
-
 void UnaryFinder::run() {
-  for (OXExpression* e : ModelRecord::expressions(*model)) {
-    OXExpression* x = e;
-    while (OXExpression* replacement = findReplacement(*x)) x = replacement;
-    preprocessor->replace(*e, *x);
+  canonicals.resize(preprocessor->nbExpressions());
+  std::iota(canonicals.begin(), canonicals.end(), 0U);
+  for (Index e = 0; e < canonicals.size(); ++e) {
+    Index x = e;
+    for (Index next = x; next != kNone; next = findReplacement(x)) x = next;
+    canonicals[e] = x;
+    preprocessor->replace(e, x);
   }
 }
 
-OXExpression* UnaryFinder::findReplacement(const OXExpression& x) const {
-  if (preprocessor->isFixed(x)) return nullptr;
-  switch (ModelRecord::op(x)) {
+UnaryFinder::Index UnaryFinder::findReplacement(Index x) const {
+  if (preprocessor->isFixed(x)) return kNone;
+  switch (preprocessor->op(x)) {
     case OXOperator::Sum:
     case OXOperator::Or:
       return findSingleOperand(x, 0);
@@ -29,7 +26,7 @@ OXExpression* UnaryFinder::findReplacement(const OXExpression& x) const {
       return findSingleOperand(x, 1);
     case OXOperator::Max:
     case OXOperator::Min:
-      return ModelRecord::nbOperands(x) == 1 ? ModelRecord::operand(x, 0) : nullptr;
+      return preprocessor->nbOperands(x) == 1 ? preprocessor->operand(x, 0) : kNone;
     case OXOperator::Iif:
       return replaceIif(x);
     case OXOperator::Div:
@@ -41,64 +38,64 @@ OXExpression* UnaryFinder::findReplacement(const OXExpression& x) const {
     case OXOperator::Round:
       return replaceRounding(x);
     default:
-      return nullptr;
+      return kNone;
   }
 }
 
 /// The one operand that is not fixed at the neutral element of the operator.
-OXExpression* UnaryFinder::findSingleOperand(const OXExpression& x, std::int64_t neutral) const {
-  OXExpression* result = nullptr;
-  for (std::int32_t i = 0; i < ModelRecord::nbOperands(x); ++i) {
-    OXExpression& operand = preprocessor->canonicalOperand(x, i);
-    if (isFixedAt(operand, neutral)) continue;
-    if (result != nullptr) return nullptr;
-    result = &operand;
+UnaryFinder::Index UnaryFinder::findSingleOperand(Index x, std::int64_t neutral) const {
+  Index result = kNone;
+  for (const Index operand : preprocessor->operands(x)) {
+    const Index y = canonicals[operand];
+    if (isFixedAt(y, neutral)) continue;
+    if (result != kNone) return kNone;
+    result = y;
   }
   return result;
 }
 
-OXExpression* UnaryFinder::replaceIif(const OXExpression& x) const {
-  OXExpression& condition = preprocessor->canonicalOperand(x, 0);
-  OXExpression& thenBranch = preprocessor->canonicalOperand(x, 1);
-  OXExpression& elseBranch = preprocessor->canonicalOperand(x, 2);
+UnaryFinder::Index UnaryFinder::replaceIif(Index x) const {
+  const Index condition = canonicalOperand(x, 0);
+  const Index thenBranch = canonicalOperand(x, 1);
+  const Index elseBranch = canonicalOperand(x, 2);
   if (preprocessor->isFixed(condition)) {
-    return isFixedAt(condition, 0) ? &elseBranch : &thenBranch;
+    return isFixedAt(condition, 0) ? elseBranch : thenBranch;
   }
-  if (&thenBranch == &elseBranch) return &thenBranch;
-  const bool isCondition = ModelRecord::valueType(x) == kBoolType &&
-                           preprocessor->isFixed(thenBranch) && !isFixedAt(thenBranch, 0) &&
-                           isFixedAt(elseBranch, 0);
-  return isCondition ? &condition : nullptr;
+  if (thenBranch == elseBranch) return thenBranch;
+  const bool isCondition = preprocessor->isBool(x) && preprocessor->isFixed(thenBranch) &&
+                           !isFixedAt(thenBranch, 0) && isFixedAt(elseBranch, 0);
+  return isCondition ? condition : kNone;
 }
 
 /// A quotient by 1 is replaced by its divisor, the constant 1, not by its dividend: models have
 /// always been read so. The evaluation of a quotient knows nothing of it.
-OXExpression* UnaryFinder::replaceDiv(const OXExpression& x) const {
-  OXExpression& divisor = preprocessor->canonicalOperand(x, 1);
-  if (!isFixedAt(divisor, 1)) return nullptr;
-  if (isDouble(x) && !isDouble(preprocessor->canonicalOperand(x, 0))) return nullptr;
-  return &divisor;
+UnaryFinder::Index UnaryFinder::replaceDiv(Index x) const {
+  const Index divisor = canonicalOperand(x, 1);
+  if (!isFixedAt(divisor, 1)) return kNone;
+  if (preprocessor->isDouble(x) && !preprocessor->isDouble(canonicalOperand(x, 0))) return kNone;
+  return divisor;
 }
 
 /// A fixed index outside the array leaves the expression alone: computing its value is what fails.
-OXExpression* UnaryFinder::replaceAt(const OXExpression& x) const {
-  const OXExpression& array = preprocessor->canonicalOperand(x, 0);
-  const OXExpression& index = preprocessor->canonicalOperand(x, 1);
-  if (!preprocessor->isFixed(index)) return nullptr;
+UnaryFinder::Index UnaryFinder::replaceAt(Index x) const {
+  const Index array = canonicalOperand(x, 0);
+  const Index index = canonicalOperand(x, 1);
+  if (!preprocessor->isFixed(index)) return kNone;
   const std::int64_t position = preprocessor->intBounds(index).low;
-  if (position < 0 || position >= ModelRecord::nbOperands(array)) return nullptr;
-  return &preprocessor->canonicalOperand(array, static_cast<std::int32_t>(position));
+  if (position < 0 || position >= preprocessor->nbOperands(array)) return kNone;
+  return canonicalOperand(array, static_cast<Index>(position));
 }
 
 /// An integer needs no rounding.
-OXExpression* UnaryFinder::replaceRounding(const OXExpression& x) const {
-  OXExpression& operand = preprocessor->canonicalOperand(x, 0);
-  return isIntegral(ModelRecord::valueType(operand)) ? &operand : nullptr;
+UnaryFinder::Index UnaryFinder::replaceRounding(Index x) const {
+  const Index operand = canonicalOperand(x, 0);
+  return preprocessor->isDouble(operand) ? kNone : operand;
 }
 
-bool UnaryFinder::isFixedAt(const OXExpression& x, std::int64_t value) const {
+bool UnaryFinder::isFixedAt(Index x, std::int64_t value) const {
   if (!preprocessor->isFixed(x)) return false;
-  if (isDouble(x)) return preprocessor->doubleBounds(x).low == static_cast<double>(value);
+  if (preprocessor->isDouble(x))
+    return preprocessor->doubleBounds(x).low == static_cast<double>(value);
   return preprocessor->intBounds(x).low == value;
 }
 

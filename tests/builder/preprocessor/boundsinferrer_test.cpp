@@ -466,7 +466,7 @@ TEST_F(BoundsInferrerTest, TheOneFreeBooleanOfAnIntegerProduct) {
     OXExpression* b = m.boolean();
     OXExpression* e = m.make(OXOperator::Prod, {m.constant(c.factor), b});
     m.minimize(e);
-    m.start().intersectIntBounds(*e, c.product);
+    m.start().intersectIntBounds(Preprocessor::at(*e), c.product);
     BoundsInferrer(m.state()).run();
     EXPECT_EQ(m.ints(b), c.boolean) << c.factor << " " << c.product.low;
     EXPECT_EQ(m.isFixed(b), c.boolean.low == c.boolean.high);

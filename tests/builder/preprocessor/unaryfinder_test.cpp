@@ -22,7 +22,7 @@ protected:
   /// The same with some expressions marked as fixed at their lower bounds.
   OXExpression* findWithFixed(const OXExpression* e, const std::vector<OXExpression*>& fixed) {
     Preprocessor& p = model.start();
-    for (const OXExpression* x : fixed) p.markFixed(*x);
+    for (const OXExpression* x : fixed) p.markFixed(Preprocessor::at(*x));
     UnaryFinder(p).run();
     return model.canonical(e);
   }
