@@ -4,10 +4,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstddef>
+#include <limits>
 #include <string>
 
 #include "api/ombrix.h"
+#include "solver/kernel/dag.h"
+#include "solver/kernel/intervals.h"
+#include "support/intervalprinter.h"
 #include "support/models.h"
 
 namespace ombrix {
@@ -15,11 +20,26 @@ namespace {
 
 using test::TestModel;
 
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr long long kLowest = std::numeric_limits<long long>::min();
+constexpr long long kHighest = std::numeric_limits<long long>::max();
+
+/// The failure of an action, as code and text, or "" if there was none.
+template <typename Action>
+std::string failureOf(const Action& action) {
+  try {
+    action();
+    return "";
+  } catch (const OXException& failure) {
+    return std::to_string(failure.getCode()) + " " + failure.getExplanation();
+  }
+}
+
 /// A model with the words to search it and to read it back.
 class SurprisingModel : public TestModel {
 public:
   OXSolutionStatus solve() {
-    model().close();
+    if (solver.getState() == OXState::Modeling) close();
     solver.getParam()->setVerbosity(0);
     solver.createPhase()->setIterationLimit(3000);
     solver.solve();
@@ -35,6 +55,26 @@ public:
   double ownDouble(OXExpression* e) {
     setDecisionsAgain();
     return e->getDoubleValue();
+  }
+
+  OXSolutionStatus ownStatus() {
+    setDecisionsAgain();
+    return solver.getSolution()->getStatus();
+  }
+
+  void setDecisions(int first, int second) {
+    model().getDecision(0)->setValue(first);
+    model().getDecision(1)->setValue(second);
+  }
+
+  /// The intervals that closing gave an expression.
+  IntInterval intBounds(OXExpression* e) {
+    const auto index = static_cast<std::size_t>(e->getIndex());
+    return {builder().lowerBounds()[index].intValue, builder().upperBounds()[index].intValue};
+  }
+  DoubleInterval doubleBounds(OXExpression* e) {
+    const auto index = static_cast<std::size_t>(e->getIndex());
+    return {builder().lowerBounds()[index].doubleValue, builder().upperBounds()[index].doubleValue};
   }
 
 private:
@@ -267,6 +307,358 @@ bool isProvedByChain(bool isReasonFirst) {
 TEST(Semantics, BoundsArePushedInOneSweep) {
   EXPECT_TRUE(isProvedByChain(true));
   EXPECT_FALSE(isProvedByChain(false));
+}
+
+// Values.
+
+// The tolerance is 1e-6, next to zero as it is, elsewhere relative to both magnitudes together.
+TEST(Semantics, DoublesAreComparedWithinTolerance) {
+  SurprisingModel m;
+  const auto compare = [&m](OXOperator op, double a, double b) {
+    return m.make(op, m.constant(a), m.constant(b));
+  };
+  OXExpression* nextToZero = compare(OXOperator::Eq, 0.0, 9e-7);
+  OXExpression* awayFromZero = compare(OXOperator::Eq, 0.0, 1.1e-6);
+  OXExpression* large = compare(OXOperator::Eq, 1000.0, 1000.0019);
+  OXExpression* tooLarge = compare(OXOperator::Eq, 1000.0, 1000.0021);
+  OXExpression* atMost = compare(OXOperator::Leq, 1000.001, 1000.0);
+  OXExpression* below = compare(OXOperator::Lt, 1000.0, 1000.001);
+  m.minimize(m.boolean());
+  m.close();
+  for (OXExpression* e : {nextToZero, large, atMost}) EXPECT_EQ(e->getIntValue(), 1);
+  for (OXExpression* e : {awayFromZero, tooLarge, below}) EXPECT_EQ(e->getIntValue(), 0);
+}
+
+TEST(Semantics, IntegersWrapAndTheirBoundsDoNot) {
+  SurprisingModel m;
+  OXExpression* huge = m.model().createConstant(kHighest);
+  OXExpression* sum = m.make(OXOperator::Sum, huge, m.boolean(), 1);
+  m.minimize(sum);
+  m.close();
+  EXPECT_EQ(sum->getIntValue(), kLowest);
+  EXPECT_EQ(m.intBounds(sum).high, kHighest);
+}
+
+TEST(Semantics, IntegerQuotientsTruncateTowardsZero) {
+  SurprisingModel m;
+  OXExpression* lowest = m.model().createConstant(kLowest);
+  OXExpression* quotient = m.make(OXOperator::Div, -7, 2);
+  OXExpression* remainder = m.make(OXOperator::Mod, -7, 2);
+  OXExpression* opposite = m.make(OXOperator::Div, lowest, -1);
+  OXExpression* noRemainder = m.make(OXOperator::Mod, lowest, -1);
+  m.minimize(m.boolean());
+  m.close();
+  EXPECT_EQ(quotient->getIntValue(), -3);
+  EXPECT_EQ(remainder->getIntValue(), -1);
+  EXPECT_EQ(opposite->getIntValue(), kLowest);
+  EXPECT_EQ(noRemainder->getIntValue(), 0);
+}
+
+TEST(Semantics, AnIntegerDivisorOfZeroFailsAndADoubleOneDoesNot) {
+  SurprisingModel m;
+  OXExpression* divisor = m.boolean();
+  OXExpression* quotient = m.make(OXOperator::Div, 7, divisor);
+  OXExpression* infinite = m.make(OXOperator::Div, 7.0, divisor);
+  OXExpression* none = m.make(OXOperator::Div, 0.0, divisor);
+  m.minimize(m.boolean());
+  m.close();
+  EXPECT_EQ(failureOf([&] { quotient->getIntValue(); }), "5 Division by zero.");
+  EXPECT_EQ(infinite->getDoubleValue(), kInfinity);
+  EXPECT_TRUE(std::isnan(none->getDoubleValue()));
+}
+
+TEST(Semantics, ADivisorThatCanOnlyBeZeroFailsAtClose) {
+  SurprisingModel m;
+  m.minimize(m.make(OXOperator::Div, m.boolean(), m.make(OXOperator::Prod, 0, m.boolean())));
+  EXPECT_EQ(failureOf([&] { m.close(); }), "5 Division by zero.");
+}
+
+/// Searches for the smallest 6 / (a + b), whose divisor is 0 where all decisions are.
+template <typename Guard>
+std::string searchFromZero(const Guard& guard) {
+  SurprisingModel m;
+  OXExpression* divisor = m.make(OXOperator::Sum, m.boolean(), m.boolean());
+  m.minimize(m.make(OXOperator::Div, 6, guard(m, divisor)));
+  return failureOf([&] { m.solve(); });
+}
+
+TEST(Semantics, AModelWithoutValueAtZeroFailsInSolve) {
+  EXPECT_EQ(searchFromZero([](SurprisingModel&, OXExpression* divisor) { return divisor; }),
+            "5 Division by zero.");
+  EXPECT_EQ(searchFromZero([](SurprisingModel& m, OXExpression* divisor) {
+              return m.make(OXOperator::Max, divisor, 1);
+            }),
+            "");
+}
+
+TEST(Semantics, NegativeExponentsGiveInfinities) {
+  SurprisingModel m;
+  OXExpression* reciprocal = m.make(OXOperator::Pow, 2, -1);
+  OXExpression* negative = m.make(OXOperator::Pow, -2, -1);
+  OXExpression* zeroth = m.make(OXOperator::Pow, 0, 0);
+  OXExpression* written = m.make(OXOperator::Div, 1.0, m.make(OXOperator::Pow, 2, 1));
+  m.minimize(m.boolean());
+  m.close();
+  EXPECT_EQ(reciprocal->getDoubleValue(), kInfinity);
+  EXPECT_EQ(negative->getDoubleValue(), -kInfinity);
+  EXPECT_EQ(zeroth->getDoubleValue(), 1.0);
+  EXPECT_EQ(written->getDoubleValue(), 0.5);
+}
+
+TEST(Semantics, RoundingForgivesTheTolerance) {
+  SurprisingModel m;
+  OXExpression* up = m.make(OXOperator::Ceil, 3.0000005);
+  OXExpression* down = m.make(OXOperator::Floor, 2.9999995);
+  OXExpression* half = m.make(OXOperator::Round, 2.5);
+  OXExpression* minusHalf = m.make(OXOperator::Round, -2.5);
+  m.minimize(m.boolean());
+  m.close();
+  EXPECT_EQ(up->getIntValue(), 3);
+  EXPECT_EQ(down->getIntValue(), 3);
+  EXPECT_EQ(half->getIntValue(), 3);
+  EXPECT_EQ(minusHalf->getIntValue(), -2);
+}
+
+/// An expression that a decision makes infinite, and is 1 otherwise. No constant is infinite.
+OXExpression* infinity(SurprisingModel& m) {
+  return m.make(OXOperator::Exp, m.make(OXOperator::Prod, 1000, m.boolean()));
+}
+
+TEST(Semantics, OppositeInfinitiesAreNoNumberWhenReadAndFailInTheSearch) {
+  SurprisingModel m;
+  OXExpression* low = m.make(OXOperator::Log, m.make(OXOperator::Not, m.boolean()));
+  OXExpression* high = infinity(m);
+  OXExpression* sum = m.make(OXOperator::Sum, high, low, m.boolean());
+  m.maximize(sum);
+  m.close();
+  m.setDecisions(1, 1);
+  EXPECT_TRUE(std::isnan(sum->getDoubleValue()));
+  m.setDecisions(0, 0);
+  EXPECT_EQ(failureOf([&] { m.solve(); }),
+            "5 Cannot compute the sum of two opposite infinite numbers");
+}
+
+TEST(Semantics, ZeroTimesInfinityFailsEverywhere) {
+  SurprisingModel m;
+  OXExpression* high = infinity(m);
+  OXExpression* product = m.make(OXOperator::Prod, high, m.boolean());
+  m.maximize(product);
+  m.close();
+  m.setDecisions(1, 0);
+  EXPECT_EQ(failureOf([&] { product->getDoubleValue(); }).front(), '5');
+  m.setDecisions(0, 0);
+  EXPECT_EQ(failureOf([&] { m.solve(); }), "5 Cannot compute the product of zero and infinity");
+}
+
+// 2 to the power of 32 has the low bits of 0.
+TEST(Semantics, TheSearchReadsTheLowBitsOfAnIndex) {
+  SurprisingModel m;
+  m.set("preprocessingEnabled", 0);
+  OXExpression* a = m.boolean();
+  OXExpression* index = m.make(OXOperator::Prod, m.model().createConstant(4294967296LL), a);
+  OXExpression* element = m.make(OXOperator::At, m.array(1, 5, 9), index);
+  OXExpression* sum = m.make(OXOperator::Sum, element, a);
+  m.maximize(sum);
+  ASSERT_TRUE(isFeasible(m.solve()));
+  EXPECT_EQ(sum->getIntValue(), 2);
+  EXPECT_EQ(a->getIntValue(), 1);
+  EXPECT_NE(failureOf([&] { m.ownInt(sum); }), "");
+}
+
+// Types.
+
+TEST(Semantics, OnlyAConditionalOfTwoBooleansStaysABoolean) {
+  SurprisingModel m;
+  OXExpression* a = m.boolean();
+  for (const OXOperator op : {OXOperator::Sum, OXOperator::Max}) {
+    OXExpression* e = m.make(op, a, m.boolean());
+    EXPECT_NE(failureOf([&] { m.constrain(e); }), "");
+  }
+  OXExpression* element = m.make(OXOperator::At, m.array(a, m.boolean()), a);
+  OXExpression* conditional = m.make(OXOperator::Iif, a, m.boolean(), m.boolean());
+  m.constrain(conditional);
+  m.minimize(element);
+  m.close();
+  EXPECT_TRUE(element->isInt());
+  EXPECT_TRUE(conditional->isBool());
+}
+
+TEST(Semantics, OneDoubleInAnArrayMakesAllElementsDoubles) {
+  SurprisingModel m;
+  EXPECT_NE(m.constant(1), m.constant(1.0));
+  OXExpression* element = m.make(OXOperator::At, m.array(1, 5, 2.5), 1);
+  m.minimize(m.boolean());
+  m.close();
+  EXPECT_TRUE(element->isDouble());
+  EXPECT_EQ(element->getDoubleValue(), 5.0);
+}
+
+// Constraints and objectives.
+
+// What guides the search is the sum of the violations, in whole units.
+TEST(Semantics, ViolationsOfDoublesCountInWholeUnits) {
+  SurprisingModel m;
+  m.set("preprocessingEnabled", 0);
+  OXExpression* a = m.boolean();
+  m.constrain(m.make(OXOperator::Leq, m.make(OXOperator::Prod, 1.0, a), 0.6));
+  m.constrain(m.make(OXOperator::Leq, m.make(OXOperator::Prod, 10.0, a), 3.5));
+  m.constrain(m.make(OXOperator::Eq, m.make(OXOperator::Prod, 50.0, a), 0.0));
+  m.minimize(m.boolean());
+  const DagFixedFields& fields = m.close();
+  Dag dag(fields);
+  dag.propagation.setValue(dag, m.nodeOf(a), std::int64_t{1});
+  dag.propagation.accept(dag);
+  EXPECT_EQ(dag.propagation.infeasibility.nbViolated, 3);
+  EXPECT_EQ(dag.propagation.infeasibility.violationSum, 6);
+}
+
+/// The status of the smallest a + b + 5 after the search, or after its decisions were set again.
+OXSolutionStatus statusOfMinimum(bool hasBound, bool isSetAgain) {
+  SurprisingModel m;
+  m.minimize(m.make(OXOperator::Sum, m.boolean(), m.boolean(), 5));
+  m.close();
+  if (hasBound) m.solver.getParam()->setObjectiveBound(0, 5);
+  const OXSolutionStatus status = m.solve();
+  return isSetAgain ? m.ownStatus() : status;
+}
+
+// The search knows the lower end of an interval; the solution asks for the bound that was set.
+TEST(Semantics, AMinimumStaysOptimalOnlyAtTheBoundThatWasSet) {
+  EXPECT_EQ(statusOfMinimum(true, false), OXSolutionStatus::Optimal);
+  EXPECT_EQ(statusOfMinimum(true, true), OXSolutionStatus::Optimal);
+  EXPECT_EQ(statusOfMinimum(false, false), OXSolutionStatus::Optimal);
+  EXPECT_EQ(statusOfMinimum(false, true), OXSolutionStatus::Feasible);
+}
+
+TEST(Semantics, AMaximumIsOptimalAtTheBoundThatWasComputed) {
+  SurprisingModel m;
+  m.maximize(m.make(OXOperator::Sum, m.boolean(), m.boolean()));
+  EXPECT_EQ(m.solve(), OXSolutionStatus::Optimal);
+  EXPECT_EQ(m.ownStatus(), OXSolutionStatus::Optimal);
+}
+
+TEST(Semantics, TheBoundSetForAMaximumEndsTheSearchAndProvesNothing) {
+  SurprisingModel m;
+  OXExpression* sum = m.model().createExpression(OXOperator::Sum);
+  for (int i = 0; i < 40; ++i) sum->addOperand(m.boolean());
+  m.maximize(sum);
+  m.close();
+  m.solver.getParam()->setObjectiveBound(0, 2);
+  EXPECT_EQ(m.solve(), OXSolutionStatus::Optimal);
+  EXPECT_GE(sum->getIntValue(), 2);
+  EXPECT_LT(sum->getIntValue(), 40);
+  EXPECT_EQ(m.ownStatus(), OXSolutionStatus::Feasible);
+}
+
+// Bounds.
+
+// With doubles no element is left out, as one is with integers.
+TEST(Semantics, ADoubleElementAtTheLargestIndexIsCounted) {
+  SurprisingModel m;
+  OXExpression* element = m.make(OXOperator::At, m.array(0.5, 1.5, 9.5), m.boolean());
+  OXExpression* beyond = m.make(OXOperator::Sum, m.boolean(), m.boolean(), m.boolean());
+  OXExpression* last = m.make(OXOperator::At, m.array(0.5, 1.5, 9.5), beyond);
+  m.maximize(element);
+  m.maximize(last);
+  m.close();
+  EXPECT_EQ(m.doubleBounds(element), (DoubleInterval{0.5, 1.5}));
+  EXPECT_EQ(m.doubleBounds(last), (DoubleInterval{0.5, 9.5}));
+}
+
+TEST(Semantics, TheIntervalOfARemainderIsWideForNegativeDividends) {
+  SurprisingModel m;
+  OXExpression* twenty = m.make(OXOperator::Prod, 20, m.boolean());
+  OXExpression* signedOne = m.make(OXOperator::Mod, m.make(OXOperator::Sum, twenty, -10), 3);
+  OXExpression* positiveOne = m.make(OXOperator::Mod, twenty, 3);
+  m.maximize(signedOne);
+  m.maximize(positiveOne);
+  m.close();
+  EXPECT_EQ(m.intBounds(signedOne), (IntInterval{-2, 10}));
+  EXPECT_EQ(m.intBounds(positiveOne), (IntInterval{0, 2}));
+}
+
+TEST(Semantics, TheLowerEndOfARoundingForgivesNothing) {
+  SurprisingModel m;
+  OXExpression* rounded =
+      m.make(OXOperator::Round, m.make(OXOperator::Sum, 0.4999995, m.boolean()));
+  m.minimize(rounded);
+  m.close();
+  EXPECT_EQ(m.intBounds(rounded), (IntInterval{0, 2}));
+  EXPECT_EQ(rounded->getIntValue(), 1);
+}
+
+TEST(Semantics, LargeFactorsAreTakenForUnbounded) {
+  SurprisingModel m;
+  OXExpression* product =
+      m.make(OXOperator::Prod, m.model().createConstant(1LL << 60), m.boolean());
+  OXExpression* smaller =
+      m.make(OXOperator::Prod, m.model().createConstant(1LL << 59), m.boolean());
+  m.maximize(product);
+  m.maximize(smaller);
+  m.close();
+  EXPECT_EQ(m.intBounds(product), (IntInterval{kLowest, kHighest}));
+  EXPECT_EQ(m.intBounds(smaller), (IntInterval{0, 1LL << 59}));
+}
+
+// A zero times such a factor counts as the smallest integer, so no other value seems left.
+TEST(Semantics, AVeryNegativeFactorMakesAProductConstant) {
+  SurprisingModel m;
+  OXExpression* product =
+      m.make(OXOperator::Prod, m.model().createConstant(-(1LL << 60)), m.boolean());
+  m.maximize(product);
+  m.close();
+  EXPECT_EQ(m.intBounds(product), (IntInterval{kLowest, kLowest}));
+  EXPECT_EQ(product->getIntValue(), 0);
+}
+
+/// exp(700 (a + b)) + offset, which is finite where a or b is 0 and has an infinite interval.
+OXExpression* unbounded(SurprisingModel& m, double offset) {
+  OXExpression* sum = m.make(OXOperator::Sum, m.boolean(), m.boolean());
+  OXExpression* power = m.make(OXOperator::Exp, m.make(OXOperator::Prod, 700, sum));
+  return m.make(OXOperator::Sum, power, offset);
+}
+
+// Where infinity by infinity has no value, the signs of the lower ends decide: [0, inf] by [2, inf]
+// is taken for 0.
+TEST(Semantics, AQuotientOfInfiniteIntervalsIsTakenForZero) {
+  SurprisingModel m;
+  OXExpression* dividend = unbounded(m, -1.0);
+  OXExpression* quotient = m.make(OXOperator::Div, dividend, unbounded(m, 1.0));
+  m.maximize(quotient);
+  EXPECT_TRUE(isFeasible(m.solve()));
+  EXPECT_EQ(m.doubleBounds(quotient), (DoubleInterval{0.0, 0.0}));
+  EXPECT_EQ(quotient->getDoubleValue(), 0.0);
+  m.model().getDecision(0)->setValue(1);
+  EXPECT_GT(quotient->getDoubleValue(), 1e300);
+}
+
+TEST(Semantics, AnUnboundedDividendByMinusOneIsTakenForVeryNegative) {
+  SurprisingModel m;
+  OXExpression* dividend =
+      m.make(OXOperator::Prod, m.model().createConstant(1LL << 60), m.boolean());
+  OXExpression* quotient = m.make(OXOperator::Div, dividend, -1);
+  m.minimize(quotient);
+  m.close();
+  EXPECT_EQ(m.intBounds(quotient), (IntInterval{kLowest, kLowest + 1}));
+  EXPECT_EQ(quotient->getIntValue(), 0);
+}
+
+/// Solves for the smallest value of a function of a - 2, or of max(a - 2, 0) + 1.
+OXSolutionStatus searchFunction(OXOperator op, bool isGuarded, bool isPreprocessed) {
+  SurprisingModel m;
+  m.set("preprocessingEnabled", isPreprocessed ? 1 : 0);
+  OXExpression* x = m.make(OXOperator::Sum, m.boolean(), -2);
+  if (isGuarded) x = m.make(OXOperator::Sum, m.make(OXOperator::Max, x, 0), 1);
+  m.minimize(m.make(OXOperator::Sum, m.make(op, x), m.boolean()));
+  return m.solve();
+}
+
+TEST(Semantics, ARootOfANegativeNumberMakesTheModelInconsistent) {
+  for (const OXOperator op : {OXOperator::Sqrt, OXOperator::Log}) {
+    EXPECT_EQ(searchFunction(op, false, true), OXSolutionStatus::Inconsistent);
+    EXPECT_EQ(failureOf([&] { searchFunction(op, false, false); }).front(), '5');
+    EXPECT_TRUE(isFeasible(searchFunction(op, true, true)));
+  }
 }
 
 }  // namespace

@@ -344,7 +344,7 @@ TEST_F(BoundsCalculatorTest, AContradictionKeepsTheBoundsAndGoesOn) {
   OXExpression* root = model->make(OXOperator::Sum, {e, b});
   model->minimize(root);
   Preprocessor& p = model->start();
-  p.fixTo(*e, 1);
+  p.fixTo(Preprocessor::at(*e), 1);
   BoundsCalculator(p).run();
   EXPECT_EQ(model->conflicts(), std::vector<OXExpression*>{e});
   EXPECT_EQ(model->ints(root), ints(2, 2));

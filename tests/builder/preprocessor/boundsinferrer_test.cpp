@@ -217,7 +217,7 @@ TEST_F(BoundsInferrerTest, TheOrderOfIntegers) {
     OXExpression* y = m.integer(4, 6);
     OXExpression* e = m.make(c.op, {x, y});
     m.minimize(e);
-    m.start().fixTo(*e, c.truth ? 1 : 0);
+    m.start().fixTo(Preprocessor::at(*e), c.truth ? 1 : 0);
     BoundsInferrer(m.state()).run();
     EXPECT_EQ(m.ints(x), c.x) << OperatorTools::getName(c.op) << c.truth;
     EXPECT_EQ(m.ints(y), c.y) << OperatorTools::getName(c.op) << c.truth;
@@ -269,7 +269,7 @@ TEST_F(BoundsInferrerTest, DoublesHaveNoStrictOrder) {
     OXExpression* y = m.real(4.5, 10.0);
     OXExpression* e = m.make(op, {x, y});
     m.minimize(e);
-    m.start().fixTo(*e, truth ? 1 : 0);
+    m.start().fixTo(Preprocessor::at(*e), truth ? 1 : 0);
     BoundsInferrer(m.state()).run();
     EXPECT_EQ(m.reals(x), reals(4.5, 6.5)) << OperatorTools::getName(op);
     EXPECT_EQ(m.reals(y), reals(4.5, 6.5)) << OperatorTools::getName(op);
@@ -287,7 +287,7 @@ TEST_F(BoundsInferrerTest, TheOrderOfDoublesTheOtherWayRound) {
     OXExpression* y = m.integer(0, 6);
     OXExpression* e = m.make(op, {x, y});
     m.minimize(e);
-    m.start().fixTo(*e, truth ? 1 : 0);
+    m.start().fixTo(Preprocessor::at(*e), truth ? 1 : 0);
     BoundsInferrer(m.state()).run();
     EXPECT_EQ(m.reals(x), reals(4.5, 6.0)) << OperatorTools::getName(op);
     EXPECT_EQ(m.ints(y), ints(4, 6)) << OperatorTools::getName(op);
@@ -479,7 +479,7 @@ TEST_F(BoundsInferrerTest, TheOneFreeBooleanOfADoubleProduct) {
     OXExpression* b = m.boolean();
     OXExpression* e = m.make(OXOperator::Prod, {m.constant(static_cast<double>(c.factor)), b});
     m.minimize(e);
-    m.start().intersectDoubleBounds(*e, toDouble(c.product));
+    m.start().intersectDoubleBounds(Preprocessor::at(*e), toDouble(c.product));
     BoundsInferrer(m.state()).run();
     EXPECT_EQ(m.ints(b), c.boolean) << c.factor << " " << c.product.low;
   }

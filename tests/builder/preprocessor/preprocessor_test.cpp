@@ -92,7 +92,7 @@ TEST(Preprocessor, AnEmptyIntersectionIsAConflictAndKeepsTheBounds) {
   OXExpression* x = m.integer(0, 10);
   Preprocessor& p = m.start();
   p.intersectIntBounds(*x, 11, 20);
-  p.fixTo(*x, -1);
+  p.fixTo(Preprocessor::at(*x), -1);
   EXPECT_EQ(m.ints(x), ints(0, 10));
   EXPECT_EQ(m.conflicts(), (std::vector<OXExpression*>{x, x}));
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <string>
@@ -26,6 +27,8 @@ bool isDouble(const OXExpression& e) {
 bool isInfinite(DoubleInterval x) {
   return std::isinf(x.low) || std::isinf(x.high);
 }
+
+constexpr std::size_t kNbOperators = 34;
 
 /// The passes on one model, step by step.
 class Passes {
@@ -109,6 +112,13 @@ public:
     return result;
   }
   bool isInconsistent() const { return !p.conflicts.empty(); }
+  std::size_t nbDecisions() { return ModelRecord::decisions(small.passModel().getModel()).size(); }
+  /// Counts the reachable expressions of each operator.
+  void countOperators(std::array<int, kNbOperators>& counts) {
+    for (const OXExpression* e : small.expressions()) {
+      if (small.isReachable(*e)) ++counts[static_cast<std::size_t>(ModelRecord::op(*e))];
+    }
+  }
 
 private:
   /// The rules that are required though some value lies outside their result.
@@ -188,12 +198,15 @@ struct Tally {
   int nbNarrowed = 0;
   int nbFixed = 0;
   int nbReplaced = 0;
+  std::array<int, kNbOperators> nbOfOperators{};
 };
 
-void checkModel(std::uint32_t seed, std::uint32_t maxDecisions, Tally& tally) {
+void checkModel(std::uint32_t seed, std::uint32_t maxDecisions, Tally& tally,
+                std::size_t minDecisions = 1) {
   Passes passes(seed, maxDecisions);
-  if (!passes.calculate()) return;
+  if (passes.nbDecisions() < minDecisions || !passes.calculate()) return;
   ++tally.nbModels;
+  passes.countOperators(tally.nbOfOperators);
   passes.expectValuesWithinBounds(false);
   const double width = passes.totalWidth();
   passes.infer();
@@ -229,6 +242,9 @@ TEST(ReachableValues, LieWithinTheBoundsOfEveryPass) {
   EXPECT_GT(tally.nbNarrowed, 200);
   EXPECT_GT(tally.nbFixed, 50);
   EXPECT_GT(tally.nbReplaced, 200);
+  for (std::size_t op = 0; op < kNbOperators; ++op) {
+    EXPECT_GT(tally.nbOfOperators[op], 10) << "operator " << op;
+  }
 }
 
 TEST(ReachableValues, LieWithinTheBoundsOfModelsOfTenDecisions) {
@@ -237,6 +253,16 @@ TEST(ReachableValues, LieWithinTheBoundsOfModelsOfTenDecisions) {
     checkModel(seed, 10, tally);
   }
   EXPECT_GT(tally.nbModels, 20);
+}
+
+TEST(ReachableValues, LieWithinTheBoundsOfModelsOfUpToFourteenDecisions) {
+  Tally tally;
+  // Seeds next to each other begin with the same number of decisions.
+  for (std::uint32_t i = 1; i <= 150 && !testing::Test::HasFailure(); ++i) {
+    checkModel(i * 2654435761U, 14, tally, 12);
+  }
+  EXPECT_GT(tally.nbModels, 10);
+  EXPECT_GT(tally.nbFeasible, 5);
 }
 
 }  // namespace
