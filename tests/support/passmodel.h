@@ -65,8 +65,12 @@ public:
   }
   Preprocessor& state() { return *preprocessor; }
 
-  IntInterval ints(const OXExpression* e) const { return preprocessor->intBounds(*e); }
-  DoubleInterval reals(const OXExpression* e) const { return preprocessor->doubleBounds(*e); }
+  IntInterval ints(const OXExpression* e) const {
+    return preprocessor->intBounds(Preprocessor::at(*e));
+  }
+  DoubleInterval reals(const OXExpression* e) const {
+    return preprocessor->doubleBounds(Preprocessor::at(*e));
+  }
   bool isFixed(const OXExpression* e) const { return preprocessor->isFixed(*e); }
   const std::vector<OXExpression*>& conflicts() const { return preprocessor->conflicts; }
   OXExpression* canonical(const OXExpression* e) const { return &preprocessor->canonical(*e); }

@@ -26,8 +26,7 @@ class DagFixedFields;
 ///
 /// The passes before the nodes are made see the model as expression indices only: what they ask of
 /// an expression stands in flat arrays, so that a walk over a large model does not wait for one
-/// record after the other. Until UnaryFinder, the last of them, has run, every expression is its
-/// own canonical one, so the views by index need not ask for it.
+/// record after the other.
 struct Preprocessor {
   using Index = std::uint32_t;
   static constexpr std::uint32_t kNoNode = 4294967295U;
@@ -85,30 +84,22 @@ struct Preprocessor {
   IntInterval intBounds(Index e) const {
     return {lowerBounds[e].intValue, upperBounds[e].intValue};
   }
-  IntInterval intBounds(const OXExpression& e) const { return intBounds(at(e)); }
   /// The bounds read as doubles: those of a boolean or integer expression are converted.
   DoubleInterval doubleBounds(Index e) const {
     if (!isDouble(e)) return toDouble(intBounds(e));
     return {lowerBounds[e].doubleValue, upperBounds[e].doubleValue};
   }
-  DoubleInterval doubleBounds(const OXExpression& e) const { return doubleBounds(at(e)); }
 
   /// Intersects the bounds of a boolean or integer expression with [low, high].
   void intersectIntBounds(Index e, std::int64_t low, std::int64_t high);
   void intersectIntBounds(Index e, IntInterval bounds) {
     intersectIntBounds(e, bounds.low, bounds.high);
   }
-  void intersectIntBounds(const OXExpression& e, std::int64_t low, std::int64_t high) {
-    intersectIntBounds(at(e), low, high);
-  }
   /// Intersects the bounds of a double expression with [low, high]. Bounds that miss each other by
   /// less than the tolerance still meet; a NaN on either side leaves everything as it is.
   void intersectDoubleBounds(Index e, double low, double high);
   void intersectDoubleBounds(Index e, DoubleInterval bounds) {
     intersectDoubleBounds(e, bounds.low, bounds.high);
-  }
-  void intersectDoubleBounds(const OXExpression& e, double low, double high) {
-    intersectDoubleBounds(at(e), low, high);
   }
   void fixTo(Index e, std::int64_t value) { intersectIntBounds(e, value, value); }
   void noteConflict(Index e) { conflicts.push_back(&expression(e)); }
@@ -129,14 +120,12 @@ struct Preprocessor {
     if (!isDouble(e)) return lowerBounds[e].intValue == upperBounds[e].intValue;
     return approxEqual(lowerBounds[e].doubleValue, upperBounds[e].doubleValue);
   }
-  bool hasEqualBounds(const OXExpression& e) const { return hasEqualBounds(at(e)); }
-  /// Whether some operand is a double.
+  /// Whether the canonical form of some operand is a double.
   bool hasDoubleOperand(Index e) const {
     const auto all = operands(e);
-    return std::any_of(all.begin(), all.end(), [this](Index x) { return isDouble(x); });
+    return std::any_of(all.begin(), all.end(),
+                       [this](Index x) { return isDouble(at(*unaries[x])); });
   }
-  /// Whether the canonical form of some operand is a double.
-  bool hasDoubleOperand(const OXExpression& e) const;
 
 private:
   void readShape();

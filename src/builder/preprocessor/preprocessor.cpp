@@ -97,11 +97,4 @@ void Preprocessor::intersectDoubleBounds(Index e, double low, double high) {
   }
 }
 
-bool Preprocessor::hasDoubleOperand(const OXExpression& e) const {
-  for (std::int32_t i = 0; i < ModelRecord::nbOperands(e); ++i) {
-    if (ModelRecord::valueType(canonicalOperand(e, i)) == kDoubleType) return true;
-  }
-  return false;
-}
-
 }  // namespace ombrix

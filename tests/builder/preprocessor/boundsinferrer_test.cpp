@@ -31,12 +31,12 @@ protected:
   /// Runs the pass with e known to lie within [low, high].
   void inferInts(OXExpression* e, std::int64_t low, std::int64_t high) {
     model.minimize(e);
-    model.start().intersectIntBounds(*e, low, high);
+    model.start().intersectIntBounds(Preprocessor::at(*e), low, high);
     BoundsInferrer(model.state()).run();
   }
   void inferReals(OXExpression* e, double low, double high) {
     model.minimize(e);
-    model.start().intersectDoubleBounds(*e, low, high);
+    model.start().intersectDoubleBounds(Preprocessor::at(*e), low, high);
     BoundsInferrer(model.state()).run();
   }
   void inferTrue(OXExpression* e) { inferInts(e, 1, 1); }

@@ -75,7 +75,7 @@ TEST_F(ConstantFinderTest, ABoundsPointIsFixedWithoutEvaluation) {
   // The evaluation would fail.
   OXExpression* e = model.make(OXOperator::Sqrt, {number(-4.0)});
   model.minimize(e);
-  model.start().intersectDoubleBounds(*e, 0.0, 0.0);
+  model.start().intersectDoubleBounds(Preprocessor::at(*e), 0.0, 0.0);
   ConstantFinder(model.state()).run();
   EXPECT_TRUE(model.isFixed(e));
   EXPECT_EQ(model.reals(e), reals(0.0, 0.0));
@@ -93,7 +93,7 @@ TEST_F(ConstantFinderTest, FailuresOfTheEvaluationPassThrough) {
 TEST_F(ConstantFinderTest, AContradictionIsNotedAndTheExpressionFixed) {
   OXExpression* e = model.make(OXOperator::Sum, {number(std::int64_t{3}), number(std::int64_t{4})});
   model.minimize(e);
-  model.start().intersectIntBounds(*e, 0, 5);
+  model.start().intersectIntBounds(Preprocessor::at(*e), 0, 5);
   ConstantFinder(model.state()).run();
   EXPECT_EQ(model.conflicts(), std::vector<OXExpression*>{e});
   EXPECT_TRUE(model.isFixed(e));

@@ -79,9 +79,9 @@ TEST(Preprocessor, IntegerBoundsAreIntersected) {
   PassModel m;
   OXExpression* x = m.integer(0, 10);
   Preprocessor& p = m.start();
-  p.intersectIntBounds(*x, -5, 7);
+  p.intersectIntBounds(Preprocessor::at(*x), -5, 7);
   EXPECT_EQ(m.ints(x), ints(0, 7));
-  p.intersectIntBounds(*x, 7, 20);
+  p.intersectIntBounds(Preprocessor::at(*x), 7, 20);
   EXPECT_EQ(m.ints(x), ints(7, 7));
   EXPECT_TRUE(m.conflicts().empty());
   EXPECT_FALSE(m.isFixed(x)) << "marking is another step";
@@ -91,7 +91,7 @@ TEST(Preprocessor, AnEmptyIntersectionIsAConflictAndKeepsTheBounds) {
   PassModel m;
   OXExpression* x = m.integer(0, 10);
   Preprocessor& p = m.start();
-  p.intersectIntBounds(*x, 11, 20);
+  p.intersectIntBounds(Preprocessor::at(*x), 11, 20);
   p.fixTo(Preprocessor::at(*x), -1);
   EXPECT_EQ(m.ints(x), ints(0, 10));
   EXPECT_EQ(m.conflicts(), (std::vector<OXExpression*>{x, x}));
@@ -101,7 +101,7 @@ TEST(Preprocessor, DoubleBoundsThatMissByLessThanTheToleranceAreExchanged) {
   PassModel m;
   OXExpression* x = m.real(1.0, 2.0);
   Preprocessor& p = m.start();
-  p.intersectDoubleBounds(*x, 2.0 + 1e-7, 5.0);
+  p.intersectDoubleBounds(Preprocessor::at(*x), 2.0 + 1e-7, 5.0);
   EXPECT_EQ(m.reals(x), reals(2.0, 2.0 + 1e-7));
   EXPECT_TRUE(m.conflicts().empty());
 }
@@ -110,7 +110,7 @@ TEST(Preprocessor, DoubleBoundsThatMissByMoreAreAConflict) {
   PassModel m;
   OXExpression* x = m.real(1.0, 2.0);
   Preprocessor& p = m.start();
-  p.intersectDoubleBounds(*x, 2.1, 5.0);
+  p.intersectDoubleBounds(Preprocessor::at(*x), 2.1, 5.0);
   EXPECT_EQ(m.reals(x), reals(1.0, 2.0));
   EXPECT_EQ(m.conflicts(), std::vector<OXExpression*>{x});
 }
@@ -119,8 +119,8 @@ TEST(Preprocessor, ANaNLeavesDoubleBoundsAsTheyWere) {
   PassModel m;
   OXExpression* x = m.real(1.0, 2.0);
   Preprocessor& p = m.start();
-  p.intersectDoubleBounds(*x, std::nan(""), 0.0);
-  p.intersectDoubleBounds(*x, 5.0, std::nan(""));
+  p.intersectDoubleBounds(Preprocessor::at(*x), std::nan(""), 0.0);
+  p.intersectDoubleBounds(Preprocessor::at(*x), 5.0, std::nan(""));
   EXPECT_EQ(m.reals(x), reals(1.0, 2.0));
   EXPECT_TRUE(m.conflicts().empty());
 }
@@ -139,10 +139,10 @@ TEST(Preprocessor, EqualBoundsAreExactForIntegersAndForgivingForDoubles) {
   OXExpression* almost = m.real(1.0, 1.0 + 1e-7);
   OXExpression* wide = m.real(1.0, 1.1);
   const Preprocessor& p = m.start();
-  EXPECT_TRUE(p.hasEqualBounds(*point));
-  EXPECT_FALSE(p.hasEqualBounds(*pair));
-  EXPECT_TRUE(p.hasEqualBounds(*almost));
-  EXPECT_FALSE(p.hasEqualBounds(*wide));
+  EXPECT_TRUE(p.hasEqualBounds(Preprocessor::at(*point)));
+  EXPECT_FALSE(p.hasEqualBounds(Preprocessor::at(*pair)));
+  EXPECT_TRUE(p.hasEqualBounds(Preprocessor::at(*almost)));
+  EXPECT_FALSE(p.hasEqualBounds(Preprocessor::at(*wide)));
 }
 
 TEST(Preprocessor, ADoubleOperandIsLookedForInCanonicalForm) {
@@ -151,9 +151,9 @@ TEST(Preprocessor, ADoubleOperandIsLookedForInCanonicalForm) {
   OXExpression* y = m.integer(0, 1);
   OXExpression* e = m.make(OXOperator::Geq, {x, y});
   Preprocessor& p = m.start();
-  EXPECT_TRUE(p.hasDoubleOperand(*e));
+  EXPECT_TRUE(p.hasDoubleOperand(Preprocessor::at(*e)));
   p.unaries[Preprocessor::at(*x)] = y;
-  EXPECT_FALSE(p.hasDoubleOperand(*e));
+  EXPECT_FALSE(p.hasDoubleOperand(Preprocessor::at(*e)));
 }
 
 }  // namespace

@@ -106,7 +106,7 @@ public:
   double totalWidth() {
     double result = 0.0;
     for (const OXExpression* e : small.expressions()) {
-      const DoubleInterval x = p.doubleBounds(*e);
+      const DoubleInterval x = p.doubleBounds(Preprocessor::at(*e));
       if (small.isReachable(*e) && !isInfinite(x)) result += x.high - x.low;
     }
     return result;
@@ -154,7 +154,7 @@ private:
     if (ModelRecord::op(e) == OXOperator::Array || ModelRecord::op(e) == OXOperator::Scalar) {
       return false;
     }
-    const DoubleInterval x = p.doubleBounds(e);
+    const DoubleInterval x = p.doubleBounds(Preprocessor::at(e));
     for (const double end : {x.low, x.high}) {
       if (isDouble(e) && std::isinf(end)) continue;
       if (std::fabs(end) > 1e6) return true;
@@ -163,12 +163,12 @@ private:
   }
 
   DoubleInterval operandBounds(const OXExpression& e, std::int32_t position) {
-    return p.doubleBounds(*ModelRecord::operand(e, position));
+    return p.doubleBounds(Preprocessor::at(*ModelRecord::operand(e, position)));
   }
 
   void expectWithinBounds(const OXExpression& e, const std::vector<OXValue>& values) {
     if (!small.isReachable(e) || ModelRecord::op(e) == OXOperator::Array) return;
-    const DoubleInterval x = p.doubleBounds(e);
+    const DoubleInterval x = p.doubleBounds(Preprocessor::at(e));
     const double value = SmallModel::read(e, values);
     EXPECT_TRUE(value >= x.low || (isDouble(e) && isClose(value, x.low)))
         << value << " below " << x.low << describe(e);
