@@ -74,6 +74,11 @@ void report(Ombrix& solver, const Arguments& arguments, double objective,
     std::cout << "no feasible solution found\n";
     return;
   }
+  reportAnswer(arguments, objective, solution);
+}
+
+void reportAnswer(const Arguments& arguments, double objective,
+                  const std::vector<long long>& solution) {
   std::cout.precision(15);
   std::cout << "objective " << objective;
   if (arguments.bestKnown) std::cout << ", best known " << *arguments.bestKnown;

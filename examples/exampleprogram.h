@@ -30,6 +30,10 @@ void solveFor(ombrix::Ombrix& solver, int seconds);
 void report(ombrix::Ombrix& solver, const Arguments& arguments, double objective,
             const std::vector<long long>& solution);
 
+/// The same for an answer that is known to be feasible.
+void reportAnswer(const Arguments& arguments, double objective,
+                  const std::vector<long long>& solution);
+
 /// The model's "factor times x".
 ombrix::OXExpression* times(ombrix::OXModel& model, long long factor, ombrix::OXExpression* x);
 

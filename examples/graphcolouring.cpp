@@ -1,9 +1,12 @@
 // Graph colouring: give every vertex a colour, different ones to adjacent vertices, with as few
-// colours as possible.
+// colours as possible. A greedy colouring comes first; then a model for one colour less is solved,
+// again and again, until the time is over.
 //
 // File: "c" comments, "p edge VERTICES EDGES" (or "p col"), "e U V" for each edge, vertices from 1.
 
 #include <algorithm>
+#include <chrono>
+#include <iostream>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -50,16 +53,22 @@ struct Graph {
   std::vector<std::set<std::size_t>> neighbours;
 };
 
+using Colouring = std::vector<std::size_t>;
+
+std::size_t nbColours(const Colouring& colouring) {
+  return *std::max_element(colouring.begin(), colouring.end()) + 1;
+}
+
 /// Colours the vertices in order of falling degree, each with the first colour that its neighbours
-/// leave. It bounds the colours that the model needs and starts the search.
-std::vector<std::size_t> colourGreedily(const Graph& graph) {
+/// leave.
+Colouring colourGreedily(const Graph& graph) {
   const std::size_t n = graph.neighbours.size();
   std::vector<std::size_t> order(n);
   for (std::size_t v = 0; v < n; ++v) order[v] = v;
   std::stable_sort(order.begin(), order.end(), [&](std::size_t u, std::size_t v) {
     return graph.neighbours[u].size() > graph.neighbours[v].size();
   });
-  std::vector<std::size_t> colours(n, n);
+  Colouring colours(n, n);
   for (const std::size_t v : order) {
     std::set<std::size_t> taken;
     for (const std::size_t u : graph.neighbours[v]) taken.insert(colours[u]);
@@ -70,36 +79,65 @@ std::vector<std::size_t> colourGreedily(const Graph& graph) {
   return colours;
 }
 
-void run(const examples::Arguments& arguments) {
-  const Graph graph(arguments.instance);
-  const std::vector<std::size_t> start = colourGreedily(graph);
-  const std::size_t nbColours = *std::max_element(start.begin(), start.end()) + 1;
-
-  Ombrix solver;
-  OXModel& model = *solver.getModel();
-  const std::size_t n = graph.neighbours.size();
-  const examples::Table hasColour = examples::createTable(model, n, nbColours);
-  for (std::size_t u = 0; u < n; ++u) {
+/// The edges whose ends have one colour. The colour of a vertex is a number, so an edge is one
+/// comparison, whatever the number of colours.
+OXExpression* createConflicts(OXModel& model, const Graph& graph,
+                              const examples::Table& hasColour) {
+  std::vector<OXExpression*> colours;
+  for (const auto& row : hasColour) {
+    colours.push_back(model.createExpression(OXOperator::Sum));
+    for (std::size_t c = 0; c < row.size(); ++c) {
+      colours.back()->addOperand(examples::times(model, static_cast<long long>(c), row[c]));
+    }
+  }
+  OXExpression* conflicts = model.createExpression(OXOperator::Sum);
+  for (std::size_t u = 0; u < colours.size(); ++u) {
     for (const std::size_t v : graph.neighbours[u]) {
-      if (v < u) continue;
-      for (std::size_t c = 0; c < nbColours; ++c) {
-        examples::requireAtMost(
-            model, model.createExpression(OXOperator::Sum, hasColour[u][c], hasColour[v][c]), 1);
+      if (v > u) {
+        conflicts->addOperand(model.createExpression(OXOperator::Eq, colours[u], colours[v]));
       }
     }
   }
-  OXExpression* nbUsed = model.createExpression(OXOperator::Sum);
-  for (std::size_t c = 0; c < nbColours; ++c) {
-    OXExpression* isUsed = model.createExpression(OXOperator::Or);
-    for (std::size_t v = 0; v < n; ++v) isUsed->addOperand(hasColour[v][c]);
-    nbUsed->addOperand(isUsed);
-  }
-  model.addObjective(nbUsed, OXObjectiveDirection::Minimize);
+  if (conflicts->getNbOperands() == 0) conflicts->addOperand(0);
+  return conflicts;
+}
+
+/// Looks for a colouring with so many colours, from one that has more: the vertices of the colours
+/// that are gone start with any. Conflicts are counted and not forbidden, so the search may pass
+/// through them; it ends when none is left or when the time is over. Empty if it found none.
+Colouring colourWith(const Graph& graph, std::size_t nbAllowed, const Colouring& start,
+                     int seconds) {
+  Ombrix solver;
+  OXModel& model = *solver.getModel();
+  const examples::Table hasColour = examples::createTable(model, start.size(), nbAllowed);
+  OXExpression* conflicts = createConflicts(model, graph, hasColour);
+  model.addObjective(conflicts, OXObjectiveDirection::Minimize);
   model.close();
-  for (std::size_t v = 0; v < n; ++v) hasColour[v][start[v]]->setValue(1);
-  examples::solveFor(solver, arguments.seconds);
-  examples::report(solver, arguments, static_cast<double>(nbUsed->getIntValue()),
-                   examples::chosenColumns(hasColour));
+  for (std::size_t v = 0; v < start.size(); ++v) {
+    hasColour[v][start[v] < nbAllowed ? start[v] : v % nbAllowed]->setValue(1);
+  }
+  examples::solveFor(solver, seconds);
+  if (conflicts->getIntValue() > 0) return {};
+  const std::vector<long long> colours = examples::chosenColumns(hasColour);
+  return Colouring(colours.begin(), colours.end());
+}
+
+void run(const examples::Arguments& arguments) {
+  using Clock = std::chrono::steady_clock;
+  const Graph graph(arguments.instance);
+  const auto end = Clock::now() + std::chrono::seconds(arguments.seconds);
+  const auto secondsLeft = [&] {
+    return static_cast<int>(std::chrono::ceil<std::chrono::seconds>(end - Clock::now()).count());
+  };
+  Colouring best = colourGreedily(graph);
+  while (nbColours(best) > 1 && secondsLeft() > 0) {
+    std::cout << "looking for " << nbColours(best) - 1 << " colours" << std::endl;
+    const Colouring better = colourWith(graph, nbColours(best) - 1, best, secondsLeft());
+    if (better.empty()) break;
+    best = better;
+  }
+  examples::reportAnswer(arguments, static_cast<double>(nbColours(best)),
+                         std::vector<long long>(best.begin(), best.end()));
 }
 
 }  // namespace

@@ -30,6 +30,15 @@ struct Instance {
     return matrix;
   }
 
+  bool isSymmetric() const {
+    for (std::size_t k = 0; k < n; ++k) {
+      for (std::size_t l = 0; l < k; ++l) {
+        if (distance[k][l] != distance[l][k]) return false;
+      }
+    }
+    return true;
+  }
+
   std::size_t n = 0;
   Matrix flow;
   Matrix distance;
@@ -46,41 +55,46 @@ examples::Table createPlacement(OXModel& model, std::size_t n) {
   return isAt;
 }
 
-/// distanceTo[j][k] is the distance from location k to wherever facility j stands. With these
-/// shared sums the cost takes n products for a pair of facilities, not n squared.
-examples::Table createDistances(OXModel& model, const Instance& instance,
-                                const examples::Table& isAt) {
-  const std::size_t n = instance.n;
-  examples::Table distanceTo(n, std::vector<OXExpression*>(n));
-  for (std::size_t j = 0; j < n; ++j) {
-    for (std::size_t k = 0; k < n; ++k) {
-      OXExpression* distance = model.createExpression(OXOperator::Sum);
-      for (std::size_t l = 0; l < n; ++l) {
-        if (instance.distance[k][l] != 0) {
-          distance->addOperand(examples::times(model, instance.distance[k][l], isAt[j][l]));
-        }
-      }
-      if (distance->getNbOperands() == 0) distance->addOperand(0);
-      distanceTo[j][k] = distance;
+/// The location of every facility as a number.
+std::vector<OXExpression*> createLocations(OXModel& model, const examples::Table& isAt) {
+  std::vector<OXExpression*> locations;
+  for (const auto& row : isAt) {
+    OXExpression* location = model.createExpression(OXOperator::Sum);
+    for (std::size_t k = 0; k < row.size(); ++k) {
+      location->addOperand(examples::times(model, static_cast<long long>(k), row[k]));
     }
+    locations.push_back(location);
   }
-  return distanceTo;
+  return locations;
 }
 
-OXExpression* createCost(OXModel& model, const Instance& instance, const examples::Table& isAt,
-                         const examples::Table& distanceTo) {
+/// The distances row by row: the one from k to l stands at k times the size plus l.
+OXExpression* createDistances(OXModel& model, const Instance& instance) {
+  OXExpression* distances = model.createExpression(OXOperator::Array);
+  for (const auto& row : instance.distance) {
+    for (const long long distance : row) distances->addOperand(distance);
+  }
+  return distances;
+}
+
+/// A pair of facilities looks its distance up: an exchange of two facilities is evaluated in time
+/// proportional to their number. Where distances are symmetric one look-up serves both ways.
+OXExpression* createCost(OXModel& model, const Instance& instance,
+                         const std::vector<OXExpression*>& locations) {
+  const auto size = static_cast<long long>(instance.n);
+  const bool isSymmetric = instance.isSymmetric();
+  OXExpression* distances = createDistances(model, instance);
   OXExpression* cost = model.createExpression(OXOperator::Sum);
   for (std::size_t i = 0; i < instance.n; ++i) {
-    for (std::size_t k = 0; k < instance.n; ++k) {
-      OXExpression* flow = model.createExpression(OXOperator::Sum);
-      for (std::size_t j = 0; j < instance.n; ++j) {
-        if (instance.flow[i][j] != 0) {
-          flow->addOperand(examples::times(model, instance.flow[i][j], distanceTo[j][k]));
-        }
-      }
-      if (flow->getNbOperands() > 0) {
-        cost->addOperand(model.createExpression(OXOperator::Prod, isAt[i][k], flow));
-      }
+    for (std::size_t j = 0; j < instance.n; ++j) {
+      if (isSymmetric && j < i) continue;
+      long long flow = instance.flow[i][j];
+      if (isSymmetric && j > i) flow += instance.flow[j][i];
+      if (flow == 0) continue;
+      OXExpression* index = model.createExpression(
+          OXOperator::Sum, examples::times(model, size, locations[i]), locations[j]);
+      cost->addOperand(
+          examples::times(model, flow, model.createExpression(OXOperator::At, distances, index)));
     }
   }
   if (cost->getNbOperands() == 0) cost->addOperand(0);
@@ -92,8 +106,7 @@ void run(const examples::Arguments& arguments) {
   Ombrix solver;
   OXModel& model = *solver.getModel();
   const examples::Table isAt = createPlacement(model, instance.n);
-  const examples::Table distanceTo = createDistances(model, instance, isAt);
-  OXExpression* cost = createCost(model, instance, isAt, distanceTo);
+  OXExpression* cost = createCost(model, instance, createLocations(model, isAt));
   model.addObjective(cost, OXObjectiveDirection::Minimize);
   model.close();
   examples::solveFor(solver, arguments.seconds);

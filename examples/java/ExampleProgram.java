@@ -18,7 +18,7 @@ final class ExampleProgram {
       "usage: PROGRAM INSTANCE [SECONDS [BEST_KNOWN [SOLUTION_FILE]]]";
 
   final String instance;
-  private int seconds = 10;
+  int seconds = 10;
   private Double bestKnown;
   private Path solutionFile;
 
@@ -71,6 +71,10 @@ final class ExampleProgram {
 
   /** Searches for the time given on the command line, with the engine's own display. */
   void solve(Ombrix solver) {
+    solveFor(solver, seconds);
+  }
+
+  static void solveFor(Ombrix solver, int seconds) {
     solver.createPhase().setTimeLimit(seconds);
     solver.solve();
   }
@@ -82,6 +86,11 @@ final class ExampleProgram {
       System.out.println("no feasible solution found");
       return;
     }
+    reportAnswer(objective, solution);
+  }
+
+  /** The same for an answer that is known to be feasible. */
+  void reportAnswer(double objective, List<Integer> solution) throws IOException {
     String best = bestKnown == null ? "" : ", best known " + text(bestKnown);
     System.out.println("objective " + text(objective) + best);
     if (solutionFile != null) {

@@ -6,6 +6,8 @@ import java.util.HashSet;
 import java.util.List;
 import java.util.Set;
 import java.util.TreeSet;
+import java.util.concurrent.TimeUnit;
+import java.util.stream.Collectors;
 import ombrix.OXExpression;
 import ombrix.OXModel;
 import ombrix.OXObjectiveDirection;
@@ -14,7 +16,8 @@ import ombrix.Ombrix;
 
 /**
  * Graph colouring: give every vertex a colour, different ones to adjacent vertices, with as few colours as
- * possible.
+ * possible. A greedy colouring comes first; then a model for one colour less is solved, again and again,
+ * until the time is over.
  *
  * <p>File: "c" comments, "p edge VERTICES EDGES" (or "p col"), "e U V" for each edge, vertices from 1.
  */
@@ -53,10 +56,7 @@ public final class GraphColouring {
     }
   }
 
-  /**
-   * Colours the vertices in order of falling degree, each with the first colour that its neighbours leave.
-   * It bounds the colours that the model needs and starts the search.
-   */
+  /** Colours the vertices in order of falling degree, each with the first colour that its neighbours leave. */
   private int[] colourGreedily() {
     int n = neighbours.size();
     List<Integer> order = new ArrayList<>();
@@ -78,40 +78,77 @@ public final class GraphColouring {
     return colours;
   }
 
-  private static void run(ExampleProgram program) throws IOException {
-    GraphColouring graph = new GraphColouring(program.instance);
-    int n = graph.neighbours.size();
-    int[] start = graph.colourGreedily();
-    int nbColours = Arrays.stream(start).max().getAsInt() + 1;
+  private static int nbColours(int[] colouring) {
+    return Arrays.stream(colouring).max().getAsInt() + 1;
+  }
 
+  /**
+   * The edges whose ends have one colour. The colour of a vertex is a number, so an edge is one comparison,
+   * whatever the number of colours.
+   */
+  private OXExpression createConflicts(OXModel model, OXExpression[][] hasColour) {
+    List<OXExpression> colours = new ArrayList<>();
+    for (OXExpression[] row : hasColour) {
+      OXExpression colour = model.createExpression(OXOperator.Sum);
+      for (int c = 0; c < row.length; c++) {
+        colour.addOperand(model.createExpression(OXOperator.Prod, (long) c, row[c]));
+      }
+      colours.add(colour);
+    }
+    OXExpression conflicts = model.createExpression(OXOperator.Sum);
+    for (int u = 0; u < colours.size(); u++) {
+      for (int v : neighbours.get(u)) {
+        if (v > u) {
+          conflicts.addOperand(
+              model.createExpression(OXOperator.Eq, colours.get(u), colours.get(v)));
+        }
+      }
+    }
+    if (conflicts.getNbOperands() == 0) {
+      conflicts.addOperand(0L);
+    }
+    return conflicts;
+  }
+
+  /**
+   * Looks for a colouring with so many colours, from one that has more: the vertices of the colours that are
+   * gone start with any. Conflicts are counted and not forbidden, so the search may pass through them; it
+   * ends when none is left or when the time is over. Null if it found none.
+   */
+  private int[] colourWith(int nbAllowed, int[] start, int seconds) {
     try (Ombrix solver = new Ombrix()) {
       OXModel model = solver.getModel();
-      OXExpression[][] hasColour = ExampleProgram.createTable(model, n, nbColours);
-      for (int u = 0; u < n; u++) {
-        for (int v : graph.neighbours.get(u)) {
-          for (int c = 0; v > u && c < nbColours; c++) {
-            ExampleProgram.requireAtMost(
-                model,
-                model.createExpression(OXOperator.Sum, hasColour[u][c], hasColour[v][c]), 1);
-          }
-        }
-      }
-      OXExpression nbUsed = model.createExpression(OXOperator.Sum);
-      for (int c = 0; c < nbColours; c++) {
-        OXExpression isUsed = model.createExpression(OXOperator.Or);
-        for (int v = 0; v < n; v++) {
-          isUsed.addOperand(hasColour[v][c]);
-        }
-        nbUsed.addOperand(isUsed);
-      }
-      model.addObjective(nbUsed, OXObjectiveDirection.Minimize);
+      OXExpression[][] hasColour = ExampleProgram.createTable(model, start.length, nbAllowed);
+      OXExpression conflicts = createConflicts(model, hasColour);
+      model.addObjective(conflicts, OXObjectiveDirection.Minimize);
       model.close();
-      for (int v = 0; v < n; v++) {
-        hasColour[v][start[v]].setValue(1L);
+      for (int v = 0; v < start.length; v++) {
+        hasColour[v][start[v] < nbAllowed ? start[v] : v % nbAllowed].setValue(1L);
       }
-      program.solve(solver);
-      program.report(solver, nbUsed.getIntValue(), ExampleProgram.chosenColumns(hasColour));
+      ExampleProgram.solveFor(solver, seconds);
+      if (conflicts.getIntValue() > 0) {
+        return null;
+      }
+      return ExampleProgram.chosenColumns(hasColour).stream().mapToInt(c -> c).toArray();
     }
+  }
+
+  private static void run(ExampleProgram program) throws IOException {
+    GraphColouring graph = new GraphColouring(program.instance);
+    long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(program.seconds);
+    int[] best = graph.colourGreedily();
+    for (long left = end - System.nanoTime(); left > 0 && nbColours(best) > 1;
+        left = end - System.nanoTime()) {
+      int nbAllowed = nbColours(best) - 1;
+      System.out.println("looking for " + nbAllowed + " colours");
+      int seconds = (int) Math.ceil(left / 1e9);
+      int[] better = graph.colourWith(nbAllowed, best, seconds);
+      if (better == null) {
+        break;
+      }
+      best = better;
+    }
+    program.reportAnswer(nbColours(best), Arrays.stream(best).boxed().collect(Collectors.toList()));
   }
 
   public static void main(String[] args) {

@@ -46,43 +46,58 @@ public final class QuadraticAssignment {
     return isAt;
   }
 
-  /**
-   * The distance from location k to wherever facility j stands. With these shared sums the cost takes n
-   * products for a pair of facilities, not n squared.
-   */
-  private OXExpression[][] createDistances(OXModel model, OXExpression[][] isAt) {
-    OXExpression[][] distanceTo = new OXExpression[n][n];
-    for (int j = 0; j < n; j++) {
-      for (int k = 0; k < n; k++) {
-        OXExpression sum = model.createExpression(OXOperator.Sum);
-        for (int l = 0; l < n; l++) {
-          if (distance[k][l] != 0) {
-            sum.addOperand(model.createExpression(OXOperator.Prod, distance[k][l], isAt[j][l]));
-          }
+  private boolean isSymmetric() {
+    for (int k = 0; k < n; k++) {
+      for (int l = 0; l < k; l++) {
+        if (distance[k][l] != distance[l][k]) {
+          return false;
         }
-        if (sum.getNbOperands() == 0) {
-          sum.addOperand(0L);
-        }
-        distanceTo[j][k] = sum;
       }
     }
-    return distanceTo;
+    return true;
   }
 
-  private OXExpression createCost(OXModel model, OXExpression[][] isAt) {
-    OXExpression[][] distanceTo = createDistances(model, isAt);
+  /** The location of every facility as a number. */
+  private OXExpression[] createLocations(OXModel model, OXExpression[][] isAt) {
+    OXExpression[] locations = new OXExpression[n];
+    for (int i = 0; i < n; i++) {
+      locations[i] = model.createExpression(OXOperator.Sum);
+      for (long k = 0; k < n; k++) {
+        locations[i].addOperand(model.createExpression(OXOperator.Prod, k, isAt[i][(int) k]));
+      }
+    }
+    return locations;
+  }
+
+  /** The distances row by row: the one from k to l stands at k times the size plus l. */
+  private OXExpression createDistances(OXModel model) {
+    OXExpression distances = model.createExpression(OXOperator.Array);
+    for (long[] row : distance) {
+      for (long entry : row) {
+        distances.addOperand(entry);
+      }
+    }
+    return distances;
+  }
+
+  /**
+   * A pair of facilities looks its distance up: an exchange of two facilities is evaluated in time
+   * proportional to their number. Where distances are symmetric one look-up serves both ways.
+   */
+  private OXExpression createCost(OXModel model, OXExpression[] locations) {
+    boolean isSymmetric = isSymmetric();
+    OXExpression distances = createDistances(model);
     OXExpression cost = model.createExpression(OXOperator.Sum);
     for (int i = 0; i < n; i++) {
-      for (int k = 0; k < n; k++) {
-        OXExpression sum = model.createExpression(OXOperator.Sum);
-        for (int j = 0; j < n; j++) {
-          if (flow[i][j] != 0) {
-            sum.addOperand(model.createExpression(OXOperator.Prod, flow[i][j], distanceTo[j][k]));
-          }
+      for (int j = isSymmetric ? i : 0; j < n; j++) {
+        long pairFlow = isSymmetric && j > i ? flow[i][j] + flow[j][i] : flow[i][j];
+        if (pairFlow == 0) {
+          continue;
         }
-        if (sum.getNbOperands() > 0) {
-          cost.addOperand(model.createExpression(OXOperator.Prod, isAt[i][k], sum));
-        }
+        OXExpression row = model.createExpression(OXOperator.Prod, (long) n, locations[i]);
+        OXExpression index = model.createExpression(OXOperator.Sum, row, locations[j]);
+        OXExpression pairDistance = model.createExpression(OXOperator.At, distances, index);
+        cost.addOperand(model.createExpression(OXOperator.Prod, pairFlow, pairDistance));
       }
     }
     if (cost.getNbOperands() == 0) {
@@ -96,7 +111,7 @@ public final class QuadraticAssignment {
     try (Ombrix solver = new Ombrix()) {
       OXModel model = solver.getModel();
       OXExpression[][] isAt = instance.createPlacement(model);
-      OXExpression cost = instance.createCost(model, isAt);
+      OXExpression cost = instance.createCost(model, instance.createLocations(model, isAt));
       model.addObjective(cost, OXObjectiveDirection.Minimize);
       model.close();
       program.solve(solver);

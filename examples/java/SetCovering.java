@@ -1,7 +1,9 @@
 import java.io.IOException;
 import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.Comparator;
 import java.util.List;
+import java.util.TreeSet;
 import ombrix.OXExpression;
 import ombrix.OXModel;
 import ombrix.OXObjectiveDirection;
@@ -134,8 +136,39 @@ public final class SetCovering {
     return position == numbers.length;
   }
 
+  /** The cheapest of the columns that cover each row. */
+  private int[] cheapestColumns() {
+    int[] cheapest = new int[coveringColumns.size()];
+    for (int row = 0; row < cheapest.length; row++) {
+      cheapest[row] =
+          coveringColumns.get(row).stream()
+              .min(Comparator.comparingLong(column -> costs[column]))
+              .orElseThrow(() -> new IllegalArgumentException("a row is covered by no column"));
+    }
+    return cheapest;
+  }
+
+  /** The columns chosen, and the cheapest one of each row that they leave out; numbered from 1. */
+  private static List<Integer> covering(
+      List<OXExpression> isChosen, List<OXExpression> isLeftOut, int[] cheapest) {
+    TreeSet<Integer> columns = new TreeSet<>(ExampleProgram.chosen(isChosen, 1));
+    for (int row = 0; row < cheapest.length; row++) {
+      if (isLeftOut.get(row).getIntValue() != 0) {
+        columns.add(cheapest[row] + 1);
+      }
+    }
+    return new ArrayList<>(columns);
+  }
+
+  /**
+   * The model has no constraints: a row that the chosen columns leave out is priced at its cheapest column,
+   * which will be added to the answer. Every choice thus stands for a covering that costs at most what the
+   * objective says, a best one costs just that, and the search passes freely through choices that cover
+   * only in part, where a constraint for each row would stop it at every step.
+   */
   private static void run(ExampleProgram program) throws IOException {
     SetCovering instance = new SetCovering(program.instance);
+    int[] cheapest = instance.cheapestColumns();
     try (Ombrix solver = new Ombrix()) {
       OXModel model = solver.getModel();
       List<OXExpression> isChosen = new ArrayList<>();
@@ -145,18 +178,23 @@ public final class SetCovering {
         isChosen.add(column);
         cost.addOperand(model.createExpression(OXOperator.Prod, columnCost, column));
       }
-      for (List<Integer> row : instance.coveringColumns) {
-        if (row.isEmpty()) {
-          throw new IllegalArgumentException("a row is covered by no column");
-        }
-        OXExpression cover = model.createExpression(OXOperator.Sum);
-        row.forEach(column -> cover.addOperand(isChosen.get(column)));
-        ExampleProgram.requireAtLeast(model, cover, 1);
+      List<OXExpression> isLeftOut = new ArrayList<>();
+      for (int row = 0; row < cheapest.length; row++) {
+        OXExpression isCovered = model.createExpression(OXOperator.Or);
+        instance.coveringColumns.get(row).forEach(
+            column -> isCovered.addOperand(isChosen.get(column)));
+        OXExpression leftOut = model.createExpression(OXOperator.Not, isCovered);
+        isLeftOut.add(leftOut);
+        cost.addOperand(
+            model.createExpression(OXOperator.Prod, instance.costs[cheapest[row]], leftOut));
       }
       model.addObjective(cost, OXObjectiveDirection.Minimize);
       model.close();
       program.solve(solver);
-      program.report(solver, cost.getIntValue(), ExampleProgram.chosen(isChosen, 1));
+
+      List<Integer> columns = covering(isChosen, isLeftOut, cheapest);
+      long total = columns.stream().mapToLong(column -> instance.costs[column - 1]).sum();
+      program.report(solver, total, columns);
     }
   }
 
