@@ -28,6 +28,7 @@ public:
     addComparisons();
     addRank(false);
     addComparisons();
+    addObjective();
     graph.start(seed);
   }
 
@@ -87,6 +88,14 @@ private:
   void addComparison(NodeType type, std::uint32_t left, std::uint32_t right) {
     if (below(draw, 2) == 0) std::swap(left, right);
     logic.push_back(graph.builder.constraint(graph.builder.node(type, {left, right})));
+  }
+
+  void addObjective() {
+    std::vector<std::int64_t> costs;
+    for (std::size_t i = 0; i < decisions.size(); ++i) {
+      costs.push_back(static_cast<std::int64_t>(below(draw, 9)) - 4);
+    }
+    graph.builder.minimise(graph.builder.node(NodeType::ScalarSum, decisions, costs));
   }
 
   Draw draw;
