@@ -1,13 +1,17 @@
 // How do time and memory grow with the model? Prints one CSV line per family, size and set of
 // moves: building and closing, heap after close and one worker, attempted moves per second with one
-// thread and with two.
+// thread and with two. Arguments, each with a default: largest size, iterations of a search,
+// searches per speed (the median counts), family, moves (flips or default), smallest size.
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "sparsemodels.h"
 
@@ -79,6 +83,12 @@ double movesPerSecond(const ombrix::bench::Family& family, int nbDecisions, Pool
   return static_cast<double>(model.solver.getStatistics()->getNbMoves()) / seconds;
 }
 
+/// How every speed is measured.
+struct Runs {
+  long long nbIterations;
+  int nbRepeats;
+};
+
 struct Size {
   double nbExpressions;
   double nbOperands;
@@ -95,8 +105,19 @@ Size measureSize(const ombrix::bench::Family& family, int nbDecisions, Pool pool
   return {nbExpressions, nbOperands, heapBytes() - heapBefore};
 }
 
-void measure(const ombrix::bench::Family& family, int nbDecisions, Pool pool,
-             long long nbIterations) {
+/// The median of some searches.
+double medianSpeed(const ombrix::bench::Family& family, int nbDecisions, Pool pool, int nbThreads,
+                   const Runs& runs) {
+  std::vector<double> speeds;
+  for (int i = 0; i < runs.nbRepeats; ++i) {
+    speeds.push_back(movesPerSecond(family, nbDecisions, pool, nbThreads, runs.nbIterations));
+  }
+  const auto middle = speeds.begin() + static_cast<std::ptrdiff_t>(speeds.size() / 2);
+  std::nth_element(speeds.begin(), middle, speeds.end());
+  return *middle;
+}
+
+void measure(const ombrix::bench::Family& family, int nbDecisions, Pool pool, const Runs& runs) {
   const Size size = measureSize(family, nbDecisions, pool);
   double buildSeconds = 0.0;
   double closeSeconds = 0.0;
@@ -105,8 +126,8 @@ void measure(const ombrix::bench::Family& family, int nbDecisions, Pool pool,
     buildSeconds = model.buildSeconds;
     closeSeconds = model.closeSeconds;
   }
-  const double one = movesPerSecond(family, nbDecisions, pool, 1, nbIterations);
-  const double two = movesPerSecond(family, nbDecisions, pool, 2, nbIterations);
+  const double one = medianSpeed(family, nbDecisions, pool, 1, runs);
+  const double two = medianSpeed(family, nbDecisions, pool, 2, runs);
   std::printf("%s,%d,%s,%.0f,%.0f,%.3f,%.3f,%.0f,%.1f,%.0f,%.0f,%.2f\n", family.name.c_str(),
               nbDecisions, pool == Pool::Flips ? "flips" : "default", size.nbExpressions,
               size.nbOperands, buildSeconds, closeSeconds,
@@ -119,14 +140,18 @@ void measure(const ombrix::bench::Family& family, int nbDecisions, Pool pool,
 
 int main(int argc, char** argv) {
   const int largest = argc > 1 ? std::atoi(argv[1]) : 1000000;
-  const long long nbIterations = argc > 2 ? std::atoll(argv[2]) : 2000000;
+  const Runs runs{argc > 2 ? std::atoll(argv[2]) : 2000000, argc > 3 ? std::atoi(argv[3]) : 1};
+  const std::string chosenFamily = argc > 4 ? argv[4] : "";
+  const std::string chosenMoves = argc > 5 ? argv[5] : "";
+  const int smallest = argc > 6 ? std::atoi(argv[6]) : 1000;
   std::printf(
       "family,decisions,moves,expressions,operands,build s,close s,expressions/s,"
       "bytes/expression less 24/operand,moves/s 1 thread,moves/s 2 threads,ratio\n");
   for (const auto& family : ombrix::bench::families()) {
-    for (int n = 1000; n <= largest; n *= 10) {
-      measure(family, n, Pool::Flips, nbIterations);
-      measure(family, n, Pool::Default, nbIterations);
+    if (!chosenFamily.empty() && chosenFamily != family.name) continue;
+    for (int n = smallest; n <= largest; n *= 10) {
+      if (chosenMoves != "default") measure(family, n, Pool::Flips, runs);
+      if (chosenMoves != "flips") measure(family, n, Pool::Default, runs);
     }
   }
   return 0;

@@ -467,7 +467,7 @@ private:
   }
 
   void remember() {
-    rememberedValues = dag.values;
+    rememberedValues = dag.values.copy();
     rememberedInfeasibility = dag.propagation.infeasibility;
     rememberedActive = membersOf(dag.propagation.activeConstraints);
   }

@@ -8,14 +8,15 @@
 
 #include "solver/kernel/dagfixedfields.h"
 #include "solver/kernel/node.h"
+#include "solver/kernel/nodecell.h"
 #include "solver/kernel/nodepool.h"
 #include "solver/kernel/oxvalue.h"
 #include "solver/kernel/propagation.h"
 
 namespace ombrix {
 
-/// The model as one worker sees it: the values of all nodes in two dense arrays, one node object
-/// per node, and the Propagation that carries a change through the graph. The shape of the graph is
+/// The model as one worker sees it: a cell per node with its values and its object, and the
+/// Propagation that carries a change through the graph. The shape of the graph is
 /// kept apart in DagFixedFields, which any number of Dags share. Belongs to one thread; allocates
 /// nothing after its construction. The search reads the members directly.
 class Dag {
@@ -40,19 +41,22 @@ public:
   void check() const;
 
 private:
+  void createCells();
   void createNodes();
   void destroyNodes();
   void growPools(std::size_t largestSize);
 
   std::vector<NodePool> pools;  ///< by object size: the index is the size
   std::unique_ptr<std::byte[]> emptyBlock;
+  NodeCell* openCell = nullptr;  ///< takes the next object that fits
 
 public:
   Propagation propagation;
-  std::vector<OXValue> values;   ///< committed
-  std::vector<OXValue> tValues;  ///< tentative
+  std::vector<NodeCell> cells;  ///< one per node; never moves
+  NodeValues values;            ///< committed, in the cells
+  NodeValues tValues;           ///< tentative, in the cells
   const DagFixedFields* fixedFields;
-  std::vector<Node*> nodes;
+  NodeObjects nodes;  ///< by the pointers of the cells
 };
 
 /// Reads a value as a double: every double node converts operands of the other domains so.

@@ -18,6 +18,28 @@ namespace ombrix {
 /// "No such node", "no such index" wherever a 32-bit number may be absent.
 inline constexpr std::uint32_t kNone = std::numeric_limits<std::uint32_t>::max();
 
+/// An aligned piece of the record of a node: with one objective a record is one block.
+struct alignas(32) LinkBlock {
+  std::uint32_t words[8];
+};
+
+/// The words of the record of a node.
+enum LinkWord : std::uint32_t {
+  kQueueAndDomain = 0,  ///< the queue times 4 plus the domain
+  kParentOffset = 1,    ///< its parentOffsets
+  kOperandOffset = 2,   ///< its operandOffsets
+  kNbOperands = 3,
+  kScalarOffset = 4,     ///< its scalarOffsets
+  kConstraintIndex = 5,  ///< its posInConstraints
+  kParentEnds = 6        ///< its row of parentEnds begins here
+};
+
+/// A node as an operand of a parent.
+struct ParentUse {
+  std::uint32_t parent;
+  std::uint32_t position;
+};
+
 /// The direction of an objective.
 enum Direction : std::uint32_t { kMinimise = 0, kMaximise = 1 };
 
@@ -68,9 +90,11 @@ public:
   // The layout of the queues of Propagation, which has two for each rank: 2 * rank holds the
   // constraints of the rank, 2 * rank + 1 its other nodes.
   std::vector<std::uint32_t> queueOffsets;  ///< per queue, and one more: start of its slots
-  /// What a change reads of each node it meets, side by side so that it costs one cache line: its
-  /// queue times 4 plus its domain, its parentOffsets, its row of parentEnds.
-  std::vector<std::uint32_t> links;
+  /// What a change reads of each node it meets, side by side so that it costs one cache line: a
+  /// record of linkStride blocks per node, whose words are numbered by LinkWord.
+  std::vector<LinkBlock> links;
+  std::size_t linkStride = 1;
+  std::vector<ParentUse> parentUses;  ///< parents and parentPositions side by side
 
   DagFixedFields();
 
@@ -112,7 +136,14 @@ public:
   }
   /// The record of a node in links.
   const std::uint32_t* linksOf(std::uint32_t id) const {
-    return links.data() + static_cast<std::size_t>(id) * (objectives.size() + 3);
+    return reinterpret_cast<const std::uint32_t*>(links.data() + id * linkStride);
+  }
+  // The same by the record of the node, for whoever has read that already; after finish.
+  const std::uint32_t* linkedOperandsOf(std::uint32_t id) const {
+    return operands.data() + linksOf(id)[kOperandOffset];
+  }
+  const OXValue* linkedScalarsOf(std::uint32_t id) const {
+    return scalars.data() + linksOf(id)[kScalarOffset];
   }
   bool isConstraint(std::uint32_t id) const { return posInConstraints[id] != kNone; }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "solver/kernel/largepages.h"
 #include "solver/kernel/subsetoperations.h"
 
 namespace ombrix {
@@ -18,6 +19,7 @@ class Subset : public SubsetOperations<Subset<T>> {
 public:
   void init(std::uint32_t n) {
     data = std::make_unique_for_overwrite<T[]>(std::size_t{2} * n);
+    adviseLargePages(data.get(), std::size_t{2} * n * sizeof(T));
     for (std::uint32_t i = 0; i < n; ++i) {
       data[i] = static_cast<T>(i);
       data[n + i] = static_cast<T>(i);

@@ -2,7 +2,6 @@
 #define OMBRIX_SOLVER_NODE_ARITHMETIC_H
 
 #include <cstdint>
-#include <vector>
 
 #include "solver/kernel/dag.h"
 #include "solver/node/operandview.h"
@@ -11,14 +10,16 @@ namespace ombrix {
 
 /// How nodes read and compare numbers, so that what their integer and double forms share is written
 /// once. The double form reads operands of every domain and compares
-/// within the tolerance; a bound is reached at, beyond or within tolerance of it.
+/// within the tolerance; a bound is reached at, beyond or within tolerance of it. Values are read
+/// from those of a Dag or from an array of bounds.
 
 struct IntArithmetic {
   using Number = std::int64_t;
   using Inner = NodeInner;
   using Operands = BoundedOperandView;
 
-  static Number read(const Dag&, const std::vector<OXValue>& values, std::uint32_t node) {
+  template <typename Values>
+  static Number read(const Dag&, const Values& values, std::uint32_t node) {
     return values[node].intValue;
   }
   static Number number(OXValue value) { return value.intValue; }
@@ -34,7 +35,8 @@ struct DoubleArithmetic {
   using Inner = NodeDoubleInner;
   using Operands = BoundedDoubleOperandView;
 
-  static Number read(const Dag& dag, const std::vector<OXValue>& values, std::uint32_t node) {
+  template <typename Values>
+  static Number read(const Dag& dag, const Values& values, std::uint32_t node) {
     return doubleValue(dag.fixedFields->domains[node], values[node]);
   }
   static Number number(OXValue value) { return value.doubleValue; }

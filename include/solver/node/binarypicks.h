@@ -20,7 +20,7 @@ bool raiseOrLower(const Dag& dag, std::uint32_t raised, std::uint32_t lowered, s
 template <typename Arithmetic>
 bool raiseFirstOrLowerSecond(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
                              std::uint32_t& decision) {
-  const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+  const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
   return raiseOrLower<Arithmetic>(dag, operands[0], operands[1], rng, decision);
 }
 
@@ -28,14 +28,14 @@ bool raiseFirstOrLowerSecond(const Dag& dag, std::uint32_t id, std::uint32_t& rn
 template <typename Arithmetic>
 bool raiseSecondOrLowerFirst(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
                              std::uint32_t& decision) {
-  const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+  const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
   return raiseOrLower<Arithmetic>(dag, operands[1], operands[0], rng, decision);
 }
 
 /// Moves the operands of a binary node towards each other.
 template <typename Arithmetic>
 bool closeGap(const Dag& dag, std::uint32_t id, std::uint32_t& rng, std::uint32_t& decision) {
-  const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+  const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
   const bool isFirstAbove = Arithmetic::isAtLeast(committed<Arithmetic>(dag, operands[0]),
                                                   committed<Arithmetic>(dag, operands[1]));
   return isFirstAbove ? raiseSecondOrLowerFirst<Arithmetic>(dag, id, rng, decision)

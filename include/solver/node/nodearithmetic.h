@@ -44,7 +44,7 @@ public:
 
   bool pickToIncrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
                       std::uint32_t& decision) const override {
-    const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+    const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
     const auto a = committed<Arithmetic>(dag, operands[0]);
     const auto b = committed<Arithmetic>(dag, operands[1]);
     if (Arithmetic::isEqual(a, b)) return pickOperandAnyWay(dag, id, rng, decision);

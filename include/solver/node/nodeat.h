@@ -58,7 +58,7 @@ private:
     return dag.fixedFields->types[array] == NodeType::ConstArray;
   }
 
-  static Number element(const Dag& dag, const std::vector<OXValue>& values, std::uint32_t id,
+  static Number element(const Dag& dag, const NodeValues& values, std::uint32_t id,
                         const Where& where) {
     const DagFixedFields& fields = *dag.fixedFields;
     const std::uint32_t array = fields.operand(id, 0);

@@ -15,7 +15,7 @@ public:
   virtual bool compare(OXValue a, OXValue b) const = 0;
 
   std::int64_t computeValue(const Dag& dag, std::uint32_t id) const override {
-    const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+    const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
     return compare(dag.values[operands[0]], dag.values[operands[1]]) ? 1 : 0;
   }
 };
@@ -28,9 +28,10 @@ public:
   bool compare(OXValue a, OXValue b) const override { return Rule::holds(a.intValue, b.intValue); }
 
   void eval(Dag& dag, std::uint32_t id) const override {
-    const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
-    const OXValue* const tValues = dag.tValues.data();
-    const bool holds = Rule::holds(tValues[operands[0]].intValue, tValues[operands[1]].intValue);
+    const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
+    const NodeCell* const cells = dag.cells.data();
+    const bool holds =
+        Rule::holds(cells[operands[0]].tValue.intValue, cells[operands[1]].tValue.intValue);
     dag.tValues[id].intValue = holds ? 1 : 0;
   }
 
@@ -43,9 +44,8 @@ public:
   }
 
 private:
-  static std::int64_t violationOn(const Dag& dag, std::uint32_t id,
-                                  const std::vector<OXValue>& values) {
-    const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+  static std::int64_t violationOn(const Dag& dag, std::uint32_t id, const NodeValues& values) {
+    const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
     return Rule::violation(values[operands[0]].intValue, values[operands[1]].intValue);
   }
 };

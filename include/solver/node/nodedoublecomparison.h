@@ -15,7 +15,7 @@ public:
   virtual bool compare(double a, double b) const = 0;
 
   std::int64_t computeValue(const Dag& dag, std::uint32_t id) const override {
-    const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+    const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
     return compare(DoubleArithmetic::read(dag, dag.values, operands[0]),
                    DoubleArithmetic::read(dag, dag.values, operands[1]))
                ? 1
@@ -42,7 +42,7 @@ public:
   bool compare(double a, double b) const override { return Rule::holds(a, b); }
 
   void eval(Dag& dag, std::uint32_t id) const override {
-    const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+    const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
     const bool holds = Rule::holds(DoubleArithmetic::read(dag, dag.tValues, operands[0]),
                                    DoubleArithmetic::read(dag, dag.tValues, operands[1]));
     dag.tValues[id].intValue = holds ? 1 : 0;
@@ -65,9 +65,8 @@ public:
   }
 
 private:
-  static std::int64_t violationOn(const Dag& dag, std::uint32_t id,
-                                  const std::vector<OXValue>& values) {
-    const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+  static std::int64_t violationOn(const Dag& dag, std::uint32_t id, const NodeValues& values) {
+    const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
     const double a = DoubleArithmetic::read(dag, values, operands[0]);
     const double b = DoubleArithmetic::read(dag, values, operands[1]);
     return Rule::holds(a, b) ? 0 : clampToInt64(Rule::distance(a, b));

@@ -23,10 +23,10 @@ namespace ombrix {
 /// "Beyond" means smaller for a minimum and larger for a maximum. Sense tells the direction, the
 /// labels and the names in failures.
 template <typename S, typename Selector, typename Sense>
-class NodeDoubleScalarExtremumTemplate final : public NodeIncremental<NodeDoubleInner, S> {
+class NodeDoubleScalarExtremumTemplate final : public NodeIncremental<NodeDoubleInner, S, S> {
 public:
   explicit NodeDoubleScalarExtremumTemplate(std::uint32_t nbOperands)
-      : NodeIncremental<NodeDoubleInner, S>(nbOperands) {
+      : NodeIncremental<NodeDoubleInner, S, S>(nbOperands) {
     candidates.init(nbOperands);
   }
 
@@ -122,7 +122,7 @@ public:
   }
 
 private:
-  using NodeIncremental<NodeDoubleInner, S>::modified;
+  using NodeIncremental<NodeDoubleInner, S, S>::modified;
 
   static double better(double a, double b) { return Sense::isBeyond(b, a) ? b : a; }
 

@@ -70,8 +70,8 @@ private:
           canSwitch(!isFixed<IntArithmetic>(dag, condition)) {}
   };
 
-  static Number select(const Dag& dag, const std::vector<OXValue>& values, std::uint32_t id) {
-    const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+  static Number select(const Dag& dag, const NodeValues& values, std::uint32_t id) {
+    const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
     const std::uint32_t branch = values[operands[0]].intValue != 0 ? operands[1] : operands[2];
     return Arithmetic::read(dag, values, branch);
   }

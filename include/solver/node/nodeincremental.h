@@ -4,14 +4,15 @@
 #include <cstdint>
 
 #include "solver/kernel/dag.h"
+#include "solver/kernel/modifiedset.h"
 #include "solver/kernel/node.h"
 
 namespace ombrix {
 
 /// What all nodes over a subset type share: the set of operand positions that changed in the open
 /// move. Operands fill it, eval reads it, and it is empty while no move is open. Base is NodeInner
-/// or NodeDoubleInner.
-template <typename Base, typename S>
+/// or NodeDoubleInner. A node that also walks the operands that did not change passes S as M.
+template <typename Base, typename S, typename M = ModifiedSet<S>>
 class NodeIncremental : public Base {
 public:
   explicit NodeIncremental(std::uint32_t nbOperands) { modified.init(nbOperands); }
@@ -33,7 +34,7 @@ protected:
     dag.values[id] = dag.tValues[id];
   }
 
-  S modified;
+  M modified;
 };
 
 }  // namespace ombrix

@@ -35,10 +35,10 @@ struct MinSense {
 /// "Beyond" means larger for a maximum and smaller for a minimum; the value recedes when it moves
 /// the other way.
 template <typename S, typename Selector, typename Sense>
-class NodeScalarExtremumTemplate final : public NodeIncremental<NodeInner, S> {
+class NodeScalarExtremumTemplate final : public NodeIncremental<NodeInner, S, S> {
 public:
   explicit NodeScalarExtremumTemplate(std::uint32_t nbOperands)
-      : NodeIncremental<NodeInner, S>(nbOperands) {
+      : NodeIncremental<NodeInner, S, S>(nbOperands) {
     supports.init(nbOperands);
     candidates.init(nbOperands);
   }
@@ -136,7 +136,7 @@ public:
   }
 
 private:
-  using NodeIncremental<NodeInner, S>::modified;
+  using NodeIncremental<NodeInner, S, S>::modified;
 
   static std::int64_t better(std::int64_t a, std::int64_t b) {
     return Sense::isBeyond(b, a) ? b : a;

@@ -99,7 +99,8 @@ private:
   /// The product of the non-zero factors after one factor changed.
   static std::int64_t replaceFactor(std::int64_t factors, std::int64_t oldValue,
                                     std::int64_t newValue) {
-    if (oldValue != 0) factors = truncatingDiv(factors, oldValue);
+    // Most factors are boolean, and a division by 1 costs as much as any other.
+    if (oldValue != 0 && oldValue != 1) factors = truncatingDiv(factors, oldValue);
     return newValue != 0 ? wrappingMul(factors, newValue) : factors;
   }
 

@@ -12,17 +12,19 @@ namespace ombrix {
 struct OperandView {
   const std::uint32_t* operands;
   std::uint32_t nbOperands;
-  const OXValue* values;
-  const OXValue* tValues;
+  const NodeCell* cells;
 
   OperandView(const Dag& dag, std::uint32_t id)
-      : operands(dag.fixedFields->operandsOf(id)),
-        nbOperands(dag.fixedFields->nbOperands(id)),
-        values(dag.values.data()),
-        tValues(dag.tValues.data()) {}
+      : operands(dag.fixedFields->linkedOperandsOf(id)),
+        nbOperands(dag.fixedFields->linksOf(id)[kNbOperands]),
+        cells(dag.cells.data()) {}
 
-  std::int64_t value(std::uint32_t position) const { return values[operands[position]].intValue; }
-  std::int64_t tValue(std::uint32_t position) const { return tValues[operands[position]].intValue; }
+  std::int64_t value(std::uint32_t position) const {
+    return cells[operands[position]].value.intValue;
+  }
+  std::int64_t tValue(std::uint32_t position) const {
+    return cells[operands[position]].tValue.intValue;
+  }
 };
 
 /// The same with the bounds, for nodes that sort their operands by what they can still do.
@@ -44,23 +46,21 @@ struct DoubleOperandView {
   const std::uint32_t* operands;
   std::uint32_t nbOperands;
   const std::uint8_t* domains;
-  const OXValue* values;
-  const OXValue* tValues;
+  const NodeCell* cells;
 
   DoubleOperandView(const Dag& dag, std::uint32_t id)
-      : operands(dag.fixedFields->operandsOf(id)),
-        nbOperands(dag.fixedFields->nbOperands(id)),
+      : operands(dag.fixedFields->linkedOperandsOf(id)),
+        nbOperands(dag.fixedFields->linksOf(id)[kNbOperands]),
         domains(dag.fixedFields->domains.data()),
-        values(dag.values.data()),
-        tValues(dag.tValues.data()) {}
+        cells(dag.cells.data()) {}
 
-  double value(std::uint32_t position) const { return read(values, position); }
-  double tValue(std::uint32_t position) const { return read(tValues, position); }
-
-protected:
-  double read(const OXValue* from, std::uint32_t position) const {
+  double value(std::uint32_t position) const {
     const std::uint32_t operand = operands[position];
-    return doubleValue(domains[operand], from[operand]);
+    return doubleValue(domains[operand], cells[operand].value);
+  }
+  double tValue(std::uint32_t position) const {
+    const std::uint32_t operand = operands[position];
+    return doubleValue(domains[operand], cells[operand].tValue);
   }
 };
 
@@ -75,6 +75,12 @@ struct BoundedDoubleOperandView : DoubleOperandView {
 
   double min(std::uint32_t position) const { return read(minValues, position); }
   double max(std::uint32_t position) const { return read(maxValues, position); }
+
+private:
+  double read(const OXValue* from, std::uint32_t position) const {
+    const std::uint32_t operand = operands[position];
+    return doubleValue(domains[operand], from[operand]);
+  }
 };
 
 }  // namespace ombrix

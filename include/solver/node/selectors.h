@@ -24,7 +24,8 @@ public:
 /// The coefficient at a position is the node's scalar there.
 class IntScalarSelector {
 public:
-  IntScalarSelector(const Dag& dag, std::uint32_t id) : scalars(dag.fixedFields->scalarsOf(id)) {}
+  IntScalarSelector(const Dag& dag, std::uint32_t id)
+      : scalars(dag.fixedFields->linkedScalarsOf(id)) {}
 
   std::int64_t operator[](std::uint32_t position) const { return scalars[position].intValue; }
   std::int64_t scalar() const { return scalars[0].intValue; }
@@ -44,7 +45,7 @@ public:
 class DoubleScalarSelector {
 public:
   DoubleScalarSelector(const Dag& dag, std::uint32_t id)
-      : scalars(dag.fixedFields->scalarsOf(id)) {}
+      : scalars(dag.fixedFields->linkedScalarsOf(id)) {}
 
   double operator[](std::uint32_t position) const { return scalars[position].doubleValue; }
   double scalar() const { return scalars[0].doubleValue; }

@@ -1,8 +1,10 @@
 #include "solver/kernel/dag.h"
 
 #include <sstream>
+#include <utility>
 
 #include "common/failure.h"
+#include "solver/kernel/largepages.h"
 #include "solver/node/nodefactory.h"
 
 namespace ombrix {
@@ -79,8 +81,7 @@ Dag::Dag(const DagFixedFields& fields) : emptyBlock(new std::byte[0]), fixedFiel
   }
   if (fields.objectives.empty()) fail(kInternal, OMBRIX_HERE("Dag::Dag"), "No objective.");
 
-  tValues.resize(fields.nbNodes, OXValue::ofInt(0));
-  values.resize(fields.nbNodes, OXValue::ofInt(0));
+  createCells();
   try {
     createNodes();
     propagation.init(*this);
@@ -94,17 +95,32 @@ Dag::~Dag() {
   destroyNodes();
 }
 
+void Dag::createCells() {
+  resizeLarge(cells, fixedFields->nbNodes);
+  if (!cells.empty()) {
+    values = NodeValues(&cells.front().value, cells.size());
+    tValues = NodeValues(&cells.front().tValue, cells.size());
+  }
+  nodes = NodeObjects(cells.data(), cells.size());
+}
+
 void Dag::createNodes() {
-  nodes.reserve(fixedFields->nbNodes);
-  for (std::uint32_t id = 0; id < fixedFields->nbNodes; ++id) nodes.push_back(createNode(id));
+  for (std::uint32_t id = 0; id < fixedFields->nbNodes; ++id) {
+    openCell = &cells[id];
+    cells[id].node = createNode(id);
+  }
+  openCell = nullptr;
   for (const auto& nodesOfRank : fixedFields->nodesByRank) {
     for (std::uint32_t id : nodesOfRank) nodes[id]->init(*this, id);
   }
 }
 
-// The memory goes with the pools, all at once.
+// The memory goes with the cells and the pools, all at once.
 void Dag::destroyNodes() {
-  for (Node* node : nodes) node->~Node();
+  for (const NodeCell& cell : cells) {
+    if (cell.node == nullptr) break;
+    cell.node->~Node();
+  }
 }
 
 Node* Dag::createNode(std::uint32_t id) {
@@ -122,6 +138,9 @@ Node* Dag::createNode(std::uint32_t id) {
 
 void* Dag::allocate(std::size_t bytes) {
   if (bytes == 0) return emptyBlock.get();
+  if (openCell != nullptr && bytes <= sizeof(openCell->state)) {
+    return std::exchange(openCell, nullptr)->state;
+  }
   growPools(bytes);
   return pools[bytes].allocate();
 }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "common/failure.h"
+#include "solver/kernel/largepages.h"
 #include "solver/kernel/nodetypeutils.h"
 
 namespace ombrix {
@@ -244,12 +245,27 @@ void DagFixedFields::layOutQueues() {
 }
 
 void DagFixedFields::linkNodes() {
+  constexpr std::size_t kWordsPerBlock = sizeof(LinkBlock) / sizeof(std::uint32_t);
   const std::size_t nbColumns = objectives.size() + 1;
-  links.reserve((nbColumns + 2) * nbNodes);
+  linkStride = (kParentEnds + nbColumns + kWordsPerBlock - 1) / kWordsPerBlock;
+  resizeLarge(links, linkStride * nbNodes);
   for (std::uint32_t id = 0; id < nbNodes; ++id) {
-    links.push_back(4 * queueOf(id) + domains[id]);
-    links.push_back(parentOffsets[id]);
-    links.insert(links.end(), parentEndsOf(id), parentEndsOf(id) + nbColumns);
+    const auto put = [&](std::size_t word, std::uint32_t number) {
+      links[id * linkStride + word / kWordsPerBlock].words[word % kWordsPerBlock] = number;
+    };
+    put(kQueueAndDomain, 4 * queueOf(id) + domains[id]);
+    put(kParentOffset, parentOffsets[id]);
+    put(kOperandOffset, operandOffsets[id]);
+    put(kNbOperands, nbOperands(id));
+    put(kScalarOffset, scalarOffsets[id]);
+    put(kConstraintIndex, posInConstraints[id]);
+    for (std::size_t column = 0; column < nbColumns; ++column) {
+      put(kParentEnds + column, parentEndsOf(id)[column]);
+    }
+  }
+  reserveLarge(parentUses, parents.size());
+  for (std::size_t i = 0; i < parents.size(); ++i) {
+    parentUses.push_back({parents[i], parentPositions[i]});
   }
 }
 

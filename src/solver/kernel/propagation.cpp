@@ -6,6 +6,7 @@
 
 #include "common/failure.h"
 #include "solver/kernel/dag.h"
+#include "solver/kernel/largepages.h"
 #include "solver/kernel/saturating.h"
 
 namespace ombrix {
@@ -33,12 +34,12 @@ void Propagation::init(Dag& dag) {
   nextLevel = 0;
   activeLevel = followedLevel = lastLevel(dag);
   touched.assign(fields.nbNodes / 64 + 1, 0);
-  pending.reserve(fields.nbNodes);
-  nextPending.reserve(fields.nbNodes);
+  reserveLarge(pending, fields.nbNodes);
+  reserveLarge(nextPending, fields.nbNodes);
   initConstraints(dag);
 
   const std::size_t nbRanks = fields.nodesByRank.size();
-  slots.resize(fields.nbNodes);
+  resizeLarge(slots, fields.nbNodes);
   queueEnds.assign(fields.queueOffsets.begin(), fields.queueOffsets.end() - 1);
   doneInRank.resize(nbRanks);
   for (std::uint32_t rank = 0; rank < nbRanks; ++rank) {
@@ -47,9 +48,9 @@ void Propagation::init(Dag& dag) {
   touchedRanks.assign(nbRanks / kRanksPerWord + 1, 0);
   lowestWord = touchedRanks.size();
   highestWord = 0;
-  changedDecisions.reserve(fields.firstInnerNode);
+  reserveLarge(changedDecisions, fields.firstInnerNode);
   staleNodes.init(fields.nbNodes);
-  staleValues.resize(fields.nbNodes, OXValue::ofInt(0));
+  resizeLarge(staleValues, fields.nbNodes, OXValue::ofInt(0));
 }
 
 void Propagation::initConstraints(const Dag& dag) {
@@ -74,7 +75,7 @@ void Propagation::initConstraints(const Dag& dag) {
 
 inline void Propagation::touch(const DagFixedFields& fields, std::uint32_t node) {
   touched[node >> 6] |= std::uint64_t{1} << (node & 63);
-  const std::uint32_t queue = *fields.linksOf(node) / 4;
+  const std::uint32_t queue = fields.linksOf(node)[kQueueAndDomain] / 4;
   slots[queueEnds[queue]++] = node;
   const std::uint32_t rank = queue / 2;
   const std::size_t word = rank / kRanksPerWord;
@@ -227,7 +228,10 @@ bool Propagation::evaluateConstraint(Dag& dag, std::uint32_t id) {
   Node& node = *dag.nodes[id];
   node.eval(dag, id);
   const std::int64_t tValue = dag.tValues[id].intValue;
-  if (activeConstraints.contains(fields.posInConstraints[id])) return tValue != 0;
+  if (activeConstraints.isFull() ||
+      activeConstraints.contains(fields.linksOf(id)[kConstraintIndex])) {
+    return tValue != 0;
+  }
 
   tInfeasibility.violationSum =
       wrappingAdd(tInfeasibility.violationSum, node.violationDelta(dag, id));
@@ -241,7 +245,7 @@ bool Propagation::evaluateConstraint(Dag& dag, std::uint32_t id) {
 
 // A NaN always counts as changed. An array has no value: it changed when it was touched.
 inline bool Propagation::hasChanged(const Dag& dag, std::uint32_t id) const {
-  const std::uint32_t domain = *dag.fixedFields->linksOf(id) % 4;
+  const std::uint32_t domain = dag.fixedFields->linksOf(id)[kQueueAndDomain] % 4;
   if (domain <= kIntegerDomain) return dag.values[id].intValue != dag.tValues[id].intValue;
   if (domain == kDoubleDomain) return dag.values[id].doubleValue != dag.tValues[id].doubleValue;
   return isTouched(id);
@@ -251,15 +255,14 @@ inline void Propagation::notifyParents(Dag& dag, std::uint32_t node, std::uint32
                                        std::uint32_t toLevel) {
   const DagFixedFields& fields = *dag.fixedFields;
   const std::uint32_t* links = fields.linksOf(node);
-  const std::uint32_t* ends = links + 2;
+  const std::uint32_t* ends = links + kParentEnds;
   const std::uint32_t start = fromLevel == 0 ? 0 : ends[fromLevel - 1];
   const std::uint32_t end = ends[toLevel];
-  const std::uint32_t* parents = fields.parents.data() + links[1];
-  const std::uint32_t* positions = fields.parentPositions.data() + links[1];
+  const ParentUse* uses = fields.parentUses.data() + links[kParentOffset];
   for (std::uint32_t i = start; i < end; ++i) {
-    const std::uint32_t parent = parents[i];
+    const auto [parent, position] = uses[i];
     if (!isTouched(parent)) touch(fields, parent);
-    dag.nodes[parent]->operandChanged(positions[i], fields, parent);
+    dag.nodes[parent]->operandChanged(position, fields, parent);
   }
   if (end < ends[activeLevel]) nextPending.push_back(node);
 }
@@ -298,7 +301,8 @@ inline void Propagation::commitQueue(Dag& dag, std::uint32_t queue) {
 }
 
 void Propagation::updateViolated(const Dag& dag, std::uint32_t constraint) {
-  const std::uint32_t index = dag.fixedFields->posInConstraints[constraint];
+  if (activeConstraints.isFull()) return;
+  const std::uint32_t index = dag.fixedFields->linksOf(constraint)[kConstraintIndex];
   if (activeConstraints.contains(index)) return;
   if (dag.values[constraint].intValue != 0) {
     violatedConstraints.remove(index);

@@ -10,7 +10,7 @@ namespace ombrix {
 
 namespace {
 
-using Values = std::vector<OXValue>;
+using Values = NodeValues;
 
 template <typename Arithmetic>
 typename Arithmetic::Number operandIn(const Dag& dag, const Values& values, std::uint32_t id,

@@ -36,7 +36,7 @@ bool pickComparisonForTarget(const Dag& dag, std::uint32_t id, TargetRule rule, 
                              const OXValue& target, std::uint32_t& decision,
                              OXValue& decisionValue) {
   if (dag.values[id].intValue == target.intValue) return false;
-  const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+  const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
   bool isFirst = !randomTopBit(rng);
   if (isNumber(dag, operands[isFirst ? 0 : 1])) isFirst = !isFirst;
   const std::uint32_t chosen = operands[isFirst ? 0 : 1];

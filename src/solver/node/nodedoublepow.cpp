@@ -10,7 +10,7 @@ bool risesWithExponent(const Dag& dag, std::uint32_t base) {
   return DoubleArithmetic::isAtLeast(committed<DoubleArithmetic>(dag, base), 1.0);
 }
 
-double power(const Dag& dag, const std::vector<OXValue>& values, std::uint32_t id) {
+double power(const Dag& dag, const NodeValues& values, std::uint32_t id) {
   return MathDouble::pow(DoubleArithmetic::read(dag, values, dag.fixedFields->operand(id, 0)),
                          DoubleArithmetic::read(dag, values, dag.fixedFields->operand(id, 1)));
 }

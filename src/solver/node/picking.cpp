@@ -30,7 +30,7 @@ bool pickAny(const Dag& dag, std::uint32_t node, std::uint32_t& rng, std::uint32
 
 bool pickOperandToIncrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
                            std::uint32_t& decision) {
-  const std::uint32_t* const operands = dag.fixedFields->operandsOf(id);
+  const std::uint32_t* const operands = dag.fixedFields->linkedOperandsOf(id);
   const std::uint32_t nbOperands = dag.fixedFields->nbOperands(id);
   if (nbOperands == 2 && isAtMax(dag, operands[0])) return pickUp(dag, operands[1], rng, decision);
   if (nbOperands == 2 && isAtMax(dag, operands[1])) return pickUp(dag, operands[0], rng, decision);

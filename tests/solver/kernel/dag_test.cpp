@@ -39,6 +39,34 @@ TEST(Dag, startsWithDecisionsAtZeroAndEveryNodeEvaluated) {
   expectConsistent(*dag);
 }
 
+TEST(Dag, aSmallNodeStandsInItsCellAndAWideOneInAPool) {
+  GraphBuilder g;
+  const auto a = g.boolean();
+  const auto narrow = g.node(NodeType::Sum, std::vector<std::uint32_t>(64, a));
+  const auto wide = g.node(NodeType::Sum, std::vector<std::uint32_t>(65, a));
+  g.minimise(g.node(NodeType::Sum, {narrow, wide}));
+  const auto dag = g.makeDag();
+  const auto isInCell = [&](std::uint32_t id) {
+    return reinterpret_cast<const std::byte*>(dag->nodes[id]) == dag->cells[id].state;
+  };
+  EXPECT_TRUE(isInCell(a));
+  EXPECT_TRUE(isInCell(narrow));
+  EXPECT_FALSE(isInCell(wide));
+  EXPECT_EQ(dag->nodes.size(), dag->cells.size());
+}
+
+TEST(Dag, theColumnsOfTheCellsReadAsArrays) {
+  GraphBuilder g;
+  const auto a = g.boolean();
+  const auto notA = g.minimise(g.node(NodeType::Not, {a}));
+  const auto dag = g.makeDag();
+  dag->tValues[notA].intValue = 0;
+  EXPECT_EQ(dag->cells[notA].tValue.intValue, 0);
+  EXPECT_EQ(dag->cells[notA].value.intValue, 1);
+  EXPECT_EQ(dag->values.size(), dag->cells.size());
+  EXPECT_EQ(dag->values.copy()[notA].intValue, 1);
+}
+
 TEST(Dag, refusesAGraphWithoutObjective) {
   DagFixedFields fields;
   fields.addNode(NodeType::Boolean);

@@ -240,9 +240,45 @@ TEST(DagFixedFields, queuesOfARankHoldItsConstraintsThenItsOtherNodes) {
   const DagFixedFields& fields = g.finish();
   EXPECT_THAT(fields.queueOffsets, ElementsAre(0, 1, 2, 2, 3));
   EXPECT_TRUE(fields.isConstraint(b));
-  EXPECT_THAT(fields.links, ElementsAre(4 * 1 + 0, 0, 0, 1,  //
-                                        4 * 0 + 0, 1, 0, 0,  //
-                                        4 * 3 + 0, 1, 0, 0));
+}
+
+std::vector<std::uint32_t> recordOf(const DagFixedFields& fields, std::uint32_t id) {
+  const std::uint32_t* words = fields.linksOf(id);
+  return {words, words + kParentEnds + fields.nbObjectives() + 1};
+}
+
+TEST(DagFixedFields, theRecordOfANodeHoldsWhatAChangeReads) {
+  GraphBuilder g;
+  const auto a = g.boolean();
+  const auto b = g.constraint(g.boolean());
+  const auto sum = g.minimise(g.node(NodeType::ScalarSum, {a, b}, {4, 5}));
+  const DagFixedFields& fields = g.finish();
+  EXPECT_THAT(recordOf(fields, a), ElementsAre(4 * 1 + 0, 0, 0, 0, 0, kNone, 0, 1));
+  EXPECT_THAT(recordOf(fields, b), ElementsAre(4 * 0 + 0, 1, 0, 0, 0, 0, 0, 1));
+  EXPECT_THAT(recordOf(fields, sum), ElementsAre(4 * 3 + 1, 2, 0, 2, 0, kNone, 0, 0));
+}
+
+TEST(DagFixedFields, theRecordGrowsWithTheObjectives) {
+  GraphBuilder g;
+  const auto a = g.boolean();
+  const auto b = g.boolean();
+  for (int i = 0; i < 5; ++i) g.minimise(g.node(NodeType::Not, {i < 2 ? a : b}));
+  const DagFixedFields& fields = g.finish();
+  EXPECT_THAT(recordOf(fields, a), ElementsAre(4 * 1, 0, 0, 0, 0, kNone, 0, 1, 2, 2, 2, 2));
+  EXPECT_THAT(recordOf(fields, b), ElementsAre(4 * 1, 2, 0, 0, 0, kNone, 0, 0, 0, 1, 2, 3));
+}
+
+TEST(DagFixedFields, parentUsesArePairsOfParentAndPosition) {
+  GraphBuilder g;
+  const auto ids = g.booleans(2);
+  const auto both = g.node(NodeType::And, {ids[0], ids[1], ids[0]});
+  g.minimise(both);
+  const DagFixedFields& fields = g.finish();
+  ASSERT_EQ(fields.parentUses.size(), 3u);
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(fields.parentUses[i].parent, both);
+    EXPECT_EQ(fields.parentUses[i].position, fields.parentPositions[i]);
+  }
 }
 
 TEST(DagFixedFields, displaysItsStatistics) {

@@ -211,7 +211,7 @@ TEST(Propagation, rejectAtEveryStageLeavesNothing) {
   g.maximise(g.node(NodeType::Sum, {both, ids[3]}));
   const auto dag = g.makeDag();
   Propagation& p = dag->propagation;
-  const auto before = dag->values;
+  const auto before = dag->values.copy();
   for (int stage = 0; stage < 4; ++stage) {
     for (std::uint32_t id : ids) flip(*dag, id);
     if (stage > 0) p.evaluateConstraints(*dag);

@@ -46,7 +46,7 @@ public:
 
   /// Every mirrored node passes its check and has the given value of the Dag, and the violated ones
   /// are those at 0 among the constraints.
-  void expectAgrees(const std::vector<OXValue>& values) const {
+  void expectAgrees(const NodeValues& values) const {
     const DagFixedFields& fields = builder.fields;
     for (const DynamicConstraintNode* node : structure->dynamicNodes) {
       const std::uint32_t id = node->getStatic()->node;

@@ -84,7 +84,7 @@ public:
   void move(std::uint32_t nbChanges) {
     for (std::uint32_t k = 0; k < nbChanges; ++k) write(operands[randomIndex(rng, n)]);
     evaluate();
-    const std::vector<OXValue> before = dag->values;
+    const std::vector<OXValue> before = dag->values.copy();
     if (randomPercent(rng, 70)) {
       dag->propagation.accept(*dag);
     } else {
@@ -119,7 +119,7 @@ private:
     dag->propagation.setValue(*dag, decision, value);
   }
 
-  std::vector<double> terms(const std::vector<OXValue>& values) const {
+  std::vector<double> terms(const NodeValues& values) const {
     std::vector<double> result;
     for (std::uint32_t i = 0; i < n; ++i) {
       const double value = doubleValue(dag->fixedFields->domains[operands[i]], values[operands[i]]);
@@ -129,7 +129,7 @@ private:
     return result;
   }
 
-  void expectNear(const std::vector<OXValue>& values, const char* when) const {
+  void expectNear(const NodeValues& values, const char* when) const {
     const std::vector<double> all = terms(values);
     const double expected = family.value(all);
     double size = 1.0;

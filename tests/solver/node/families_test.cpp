@@ -98,7 +98,7 @@ public:
       test::flip(*dag, decision);
     }
     evaluate();
-    const std::vector<OXValue> before = dag->values;
+    const std::vector<OXValue> before = dag->values.copy();
     if (randomBool(rng)) {
       dag->propagation.accept(*dag);
     } else {
@@ -125,7 +125,7 @@ private:
     return decisions.back();
   }
 
-  std::int64_t expected(const std::vector<OXValue>& values) const {
+  std::int64_t expected(const NodeValues& values) const {
     std::vector<std::int64_t> terms;
     for (std::uint32_t i = 0; i < n; ++i) {
       const std::int64_t value = values[operands[i]].intValue;
