@@ -73,6 +73,25 @@ TEST(ThreadPool, TakesTheLastTaskFirst) {
   EXPECT_EQ(order, (std::vector<int>{3, 2, 1, 0}));
 }
 
+TEST(ThreadPool, AThreadTakesTheTaskItRanBeforeFirst) {
+  std::atomic<bool> mayGo = false;
+  std::vector<int> order;
+  Task own{[&] {
+    while (!mayGo) std::this_thread::yield();
+    order.push_back(-1);
+  }};
+  std::vector<Task> others;
+  for (int i = 0; i < 2; ++i) others.push_back({[&order, i] { order.push_back(i); }});
+  ThreadPool<Task> pool(1);
+  pool.enqueue(&own);
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  pool.enqueue(&own);
+  for (Task& task : others) pool.enqueue(&task);
+  mayGo = true;
+  pool.waitAll();
+  EXPECT_EQ(order, (std::vector<int>{-1, -1, 1, 0}));
+}
+
 TEST(ThreadPool, KeepsWhatATaskThrowsForTheControllingThread) {
   Task failing{[] { fail(kComputation, OMBRIX_HERE("NodeDiv::eval"), "Division by zero"); }};
   Task working{[] {}};
