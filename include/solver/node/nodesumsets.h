@@ -2,6 +2,7 @@
 #define OMBRIX_SOLVER_NODE_NODESUMSETS_H
 
 #include <iostream>
+#include <type_traits>
 
 #include "solver/node/arithmetic.h"
 #include "solver/node/nodeincremental.h"
@@ -49,6 +50,16 @@ public:
                      [&](std::uint32_t i) { return canFall(operands, i, coefficients[i]); });
     notMaxNodes.fill(operands.nbOperands,
                      [&](std::uint32_t i) { return canRise(operands, i, coefficients[i]); });
+  }
+
+  void operandChanged(std::uint32_t position, const DagFixedFields& fields,
+                      std::uint32_t id) override {
+    modified.add(position, fields.nbOperands(id));
+    // What the evaluation reads of a wide sum lies apart from all that was read so far.
+    if constexpr (kIsWide) {
+      __builtin_prefetch(fields.linkedOperandsOf(id) + position);
+      if constexpr (kHasCoefficients) __builtin_prefetch(fields.linkedScalarsOf(id) + position);
+    }
   }
 
   void commit(Dag& dag, std::uint32_t id) override {
@@ -127,6 +138,10 @@ private:
   using Number = typename Arithmetic::Number;
   using Inner = typename Arithmetic::Inner;
   using Operands = typename Arithmetic::Operands;
+
+  static constexpr bool kIsWide = !std::is_same_v<ModifiedSet<S>, S>;
+  static constexpr bool kHasCoefficients =
+      std::is_same_v<Selector, IntScalarSelector> || std::is_same_v<Selector, DoubleScalarSelector>;
 
   static void put(S& set, std::uint32_t i, std::uint32_t n, bool isMember) {
     if (isMember) {
