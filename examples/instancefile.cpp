@@ -73,6 +73,12 @@ double InstanceFile::nextDouble(const std::string& expected) {
   return value;
 }
 
+bool InstanceFile::skipComment(char mark) {
+  if (atEnd() || content[position] != mark) return false;
+  skipLine();
+  return true;
+}
+
 void InstanceFile::skipLine() {
   while (position < content.size() && content[position] != '\n') ++position;
 }

@@ -20,6 +20,9 @@ public:
   /// An integer between two limits, both allowed.
   long long nextInt(long long low, long long high, const std::string& expected);
   double nextDouble(const std::string& expected = "a number");
+  /// Passes over a line that begins with the mark; false, and nothing read, if the next word does
+  /// not.
+  bool skipComment(char mark);
   /// Passes over the rest of the line.
   void skipLine();
 

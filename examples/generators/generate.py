@@ -17,6 +17,10 @@ location in the   60 sites and 200 customers on a square of 100, opening costs f
 plane             demands from 1 to 20.
 portfolio         W. F. Sharpe 1963, with 6 factors: 150 assets, of which 20 are chosen; percent a year.
 antennas          8 antennas on a circle of radius 30 around 120 users, demands from 1 to 10.
+travelling        D. S. Johnson and L. A. McGeoch 1997, uniform: 60 cities on a square of 1000.
+salesman
+car sequencing    B. M. Smith 1996: 100 cars in 20 classes, 5 options used to about 90 %.
+bin packing       E. Falkenauer 1996, uniform: 120 items, sizes from 20 to 100, bins of 150.
 
 The formats are those of the libraries of each problem, if it has one, and are told in the examples;
 set covering and knapsack come as pseudo-Boolean models too. The same files come out on every machine and version of Python.
@@ -186,6 +190,44 @@ def antennas(nb_antennas, nb_users, radius, seed):
     return {"antennas%dx%d.txt" % (nb_antennas, nb_users): text}
 
 
+def travelling_salesman(nb_cities, seed):
+    draws = Draws(seed)
+    name = "cities%d" % nb_cities
+    text = "NAME : %s\nTYPE : TSP\nCOMMENT : uniform on a square, seed %d\n" % (name, seed)
+    text += "DIMENSION : %d\nEDGE_WEIGHT_TYPE : EUC_2D\nNODE_COORD_SECTION\n" % nb_cities
+    for city in range(1, nb_cities + 1):
+        text += "%d %d %d\n" % (city, draws.uniform(0, 1000), draws.uniform(0, 1000))
+    return {name + ".tsp": text + "EOF\n"}
+
+
+def car_sequencing(nb_cars, nb_classes, percent, seed):
+    """A coin decides whether a class takes an option, up to percent of what its station can do."""
+    draws = Draws(seed)
+    options = [(1, 2), (2, 3), (1, 3), (2, 5), (1, 5)]
+    counts = [1] * nb_classes
+    for _ in range(nb_cars - nb_classes):
+        counts[draws.uniform(0, nb_classes - 1)] += 1
+    text = "%% seed %d\n%d %d %d\n" % (seed, nb_cars, len(options), nb_classes)
+    text += " ".join("%d" % p for p, _ in options) + "\n"
+    text += " ".join("%d" % q for _, q in options) + "\n"
+    left = [nb_cars * p * percent // (100 * q) for p, q in options]
+    for index, count in enumerate(counts):
+        flags = []
+        for o, (p, q) in enumerate(options):
+            takes = draws.uniform(0, 1) == 1 and count <= left[o]
+            left[o] -= count if takes else 0
+            flags.append("%d" % takes)
+        text += "%d %d %s\n" % (index, count, " ".join(flags))
+    return {"cars%d.txt" % nb_cars: text}
+
+
+def bin_packing(nb_items, seed):
+    draws = Draws(seed)
+    text = "%d\n150\n" % nb_items
+    text += "".join("%d\n" % draws.uniform(20, 100) for _ in range(nb_items))
+    return {"bins%d.txt" % nb_items: text}
+
+
 def generate():
     """The contents of every file, by name."""
     files = {}
@@ -197,6 +239,9 @@ def generate():
     files.update(plane_location(60, 200, 20051))
     files.update(portfolio(150, 6, 20, 20063))
     files.update(antennas(8, 120, 30, 20071))
+    files.update(travelling_salesman(60, 20089))
+    files.update(car_sequencing(100, 20, 92, 20101))
+    files.update(bin_packing(120, 20107))
     return files
 
 

@@ -4,7 +4,7 @@
 usage: check_example.py PROBLEM INSTANCE SOLUTION
 
 PROBLEM is knapsack, setcovering, quadraticassignment, graphcolouring, facilitylocation, planelocation,
-portfolio or antennas; INSTANCE is the file that the program read, SOLUTION the file of numbers that it wrote. Prints "objective N" and exits with
+portfolio, antennas, travellingsalesman, carsequencing or binpacking; INSTANCE is the file that the program read, SOLUTION the file of numbers that it wrote. Prints "objective N" and exits with
 0 when the solution is feasible; otherwise says what is wrong and exits with 1.
 """
 import gzip
@@ -167,9 +167,89 @@ def antennas(text, solution):
                      for x, y, demand in rows(numbers, 3, n, 3))
 
 
+def header(line):
+    """The key and the value of a line of a TSPLIB file, with the colon wherever it stands."""
+    key, _, value = line.partition(":")
+    return key.strip(), value.strip()
+
+
+def explicit_weights(form, n, numbers):
+    """The weight of each pair of cities from 0, smaller city first, from the numbers in a file."""
+    numbers = iter(numbers)
+    columns = {"FULL_MATRIX": lambda i: range(n), "LOWER_DIAG_ROW": lambda i: range(i + 1),
+               "UPPER_ROW": lambda i: range(i + 1, n)}[form]
+    return {(min(i, j), max(i, j)): int(next(numbers)) for i in range(n) for j in columns(i)}
+
+
+def radians(coordinate):
+    degrees = math.trunc(coordinate)
+    return 3.141592 * (degrees + 5.0 * (coordinate - degrees) / 3.0) / 180.0
+
+
+def coordinate_weight(kind, a, b):
+    if kind == "EUC_2D":
+        return math.floor(math.hypot(a[0] - b[0], a[1] - b[1]) + 0.5)
+    if kind == "ATT":
+        exact = math.sqrt(((a[0] - b[0]) ** 2 + (a[1] - b[1]) ** 2) / 10.0)
+        nearest = math.floor(exact + 0.5)
+        return nearest + 1 if nearest < exact else nearest
+    if kind != "GEO":
+        raise ValueError("unknown weights %s" % kind)
+    latitudes, longitudes = zip(*((radians(x), radians(y)) for x, y in (a, b)))
+    q1 = math.cos(longitudes[0] - longitudes[1])
+    q2 = math.cos(latitudes[0] - latitudes[1])
+    q3 = math.cos(latitudes[0] + latitudes[1])
+    return math.floor(6378.388 * math.acos(0.5 * ((1 + q1) * q2 - (1 - q1) * q3)) + 1)
+
+
+def travellingsalesman(text, solution):
+    lines = text.splitlines()
+    section = next(i for i, line in enumerate(lines) if header(line)[0].endswith("_SECTION"))
+    keys = dict(map(header, lines[:section]))
+    n, numbers = int(keys["DIMENSION"]), " ".join(lines[section + 1:]).split()
+    if len(solution) != n:
+        raise Wrong("%d visits for %d cities" % (len(solution), n))
+    distinct(solution, 0, n - 1, "city")
+    legs = list(zip(solution, solution[1:] + solution[:1]))
+    if keys["EDGE_WEIGHT_TYPE"] == "EXPLICIT":
+        weights = explicit_weights(keys["EDGE_WEIGHT_FORMAT"], n, numbers)
+        return sum(weights[min(leg), max(leg)] for leg in legs)
+    places = [(float(x), float(y)) for _, x, y in rows(numbers, 0, n, 3)]
+    return sum(coordinate_weight(keys["EDGE_WEIGHT_TYPE"], places[i], places[j]) for i, j in legs)
+
+
+def carsequencing(text, solution):
+    numbers = [int(word) for line in text.splitlines() if not line.startswith("%")
+               for word in line.split()]
+    nb_cars, nb_options, nb_classes = numbers[:3]
+    most, row = rows(numbers, 3, 2, nb_options)
+    classes = rows(numbers, 3 + 2 * nb_options, nb_classes, 2 + nb_options)
+    for c, (_, count, *_) in enumerate(classes):
+        if solution.count(c) != count:
+            raise Wrong("class %d has %d cars, not %d" % (c, solution.count(c), count))
+    if len(solution) != nb_cars:
+        raise Wrong("%d cars on the line, not %d" % (len(solution), nb_cars))
+    return sum(sum(classes[c][2 + o] for c in solution[first:first + row[o]]) > most[o]
+               for o in range(nb_options) for first in range(nb_cars - row[o] + 1))
+
+
+def binpacking(text, solution):
+    n, capacity, *sizes = [int(word) for word in text.split()]
+    if len(solution) != n or len(sizes) != n:
+        raise Wrong("%d bins told for %d items" % (len(solution), n))
+    loads = {}
+    for size, name in zip(sizes, solution):
+        loads[name] = loads.get(name, 0) + size
+    for name, load in loads.items():
+        if load > capacity:
+            raise Wrong("bin %d holds %d of %d" % (name, load, capacity))
+    return len(loads)
+
+
 PROBLEMS = {f.__name__: f for f in
             (knapsack, setcovering, quadraticassignment, graphcolouring, facilitylocation,
-             planelocation, portfolio, antennas)}
+             planelocation, portfolio, antennas, travellingsalesman, carsequencing,
+             binpacking)}
 
 
 def main(arguments):

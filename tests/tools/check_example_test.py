@@ -87,6 +87,38 @@ class Others(unittest.TestCase):
         with self.assertRaisesRegex(checker.Wrong, "outside 0 to 255"):
             checker.antennas(text, [0, 256])
 
+    def test_tour_by_matrix_and_by_coordinates(self):
+        head = "NAME : x\nDIMENSION: 3\nEDGE_WEIGHT_TYPE : EXPLICIT\nEDGE_WEIGHT_FORMAT: %s\n"
+        section = "EDGE_WEIGHT_SECTION\n"
+        for form, numbers in (("UPPER_ROW", "5 7\n9"), ("LOWER_DIAG_ROW", "0 5 0 7 9 0"),
+                              ("FULL_MATRIX", "0 5 7 5 0 9 7 9 0")):
+            text = head % form + section + numbers + "\nEOF\n"
+            self.assertEqual(21, checker.travellingsalesman(text, [0, 2, 1]))
+        text = "DIMENSION : 3\nEDGE_WEIGHT_TYPE : %s\nNODE_COORD_SECTION\n1 0 0\n2 3 4\n3 0 4.6\n"
+        self.assertEqual(5 + 3 + 5, checker.travellingsalesman(text % "EUC_2D", [0, 1, 2]))
+        self.assertEqual(2 + 1 + 2, checker.travellingsalesman(text % "ATT", [0, 1, 2]))
+        with self.assertRaisesRegex(checker.Wrong, "2 visits for 3 cities"):
+            checker.travellingsalesman(text % "EUC_2D", [0, 1])
+        with self.assertRaisesRegex(checker.Wrong, "named twice"):
+            checker.travellingsalesman(text % "EUC_2D", [0, 1, 1])
+
+    def test_cars_count_the_stretches_above_a_limit(self):
+        # One of two, two of three; the first class takes both options, the second the first one.
+        text = "% a comment\n4 2 3\n1 2\n2 3\n0 2 1 1\n1 1 1 0\n2 1 0 0\n"
+        self.assertEqual(2, checker.carsequencing(text, [0, 0, 1, 2]))
+        self.assertEqual(1, checker.carsequencing(text, [0, 2, 0, 1]))
+        with self.assertRaisesRegex(checker.Wrong, "class 0 has 1 cars, not 2"):
+            checker.carsequencing(text, [0, 1, 1, 2])
+        with self.assertRaisesRegex(checker.Wrong, "5 cars on the line, not 4"):
+            checker.carsequencing(text, [0, 0, 1, 2, 3])
+
+    def test_bins(self):
+        self.assertEqual(2, checker.binpacking("3 10 6 5 4", [7, 1, 7]))
+        with self.assertRaisesRegex(checker.Wrong, "bin 0 holds 11 of 10"):
+            checker.binpacking("3 10 6 5 4", [0, 0, 1])
+        with self.assertRaisesRegex(checker.Wrong, "2 bins told for 3 items"):
+            checker.binpacking("3 10 6 5 4", [0, 1])
+
     def test_exit_status(self):
         with tempfile.TemporaryDirectory() as folder:
             instance, solution = (os.path.join(folder, name) for name in ("instance", "solution"))
