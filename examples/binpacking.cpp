@@ -21,12 +21,6 @@ struct Instance {
     for (long long& size : sizes) size = file.nextInt(0, capacity, "a size");
   }
 
-  /// As many bins as the items would fill to the brim: no packing has fewer.
-  std::size_t leastBins() const {
-    const long long total = std::accumulate(sizes.begin(), sizes.end(), 0LL);
-    return static_cast<std::size_t>((total + capacity - 1) / capacity);
-  }
-
   long long capacity = 0;
   std::vector<long long> sizes;
 };
@@ -65,13 +59,9 @@ std::vector<OXExpression*> createLoads(OXModel& model, const Instance& instance,
   return loads;
 }
 
-/// The bins in use. The least number of bins is used anyway and counts as a constant: it leaves
-/// only the bins behind them to be emptied, always the same ones, and when they are empty the
-/// engine knows that nothing better can come.
-OXExpression* createNbUsed(OXModel& model, const examples::Table& isIn, std::size_t leastBins) {
-  OXExpression* nbUsed = model.createExpression(
-      OXOperator::Sum, model.createConstant(static_cast<long long>(leastBins)));
-  for (std::size_t b = leastBins; b < isIn.front().size(); ++b) {
+OXExpression* createNbUsed(OXModel& model, const examples::Table& isIn) {
+  OXExpression* nbUsed = model.createExpression(OXOperator::Sum);
+  for (std::size_t b = 0; b < isIn.front().size(); ++b) {
     OXExpression* isUsed = model.createExpression(OXOperator::Or);
     for (const auto& item : isIn) isUsed->addOperand(item[b]);
     nbUsed->addOperand(isUsed);
@@ -80,13 +70,12 @@ OXExpression* createNbUsed(OXModel& model, const examples::Table& isIn, std::siz
 }
 
 /// Hardly any move empties a bin, so the number of bins tells the search nothing for long. A second
-/// objective leads it on: the squares of the loads of the other bins, which grow as these fill up
-/// and as what room is left gathers in few of them.
-OXExpression* createFullness(OXModel& model, const std::vector<OXExpression*>& loads,
-                             std::size_t leastBins) {
-  OXExpression* fullness = model.createExpression(OXOperator::Sum, model.createConstant(0));
-  for (std::size_t b = 0; b < leastBins; ++b) {
-    fullness->addOperand(model.createExpression(OXOperator::Prod, loads[b], loads[b]));
+/// objective leads it on: the squares of the loads, whose sum grows as full bins fill up at the
+/// cost of emptier ones, until the emptiest has nothing left.
+OXExpression* createFullness(OXModel& model, const std::vector<OXExpression*>& loads) {
+  OXExpression* fullness = model.createExpression(OXOperator::Sum);
+  for (OXExpression* load : loads) {
+    fullness->addOperand(model.createExpression(OXOperator::Prod, load, load));
   }
   return fullness;
 }
@@ -99,10 +88,9 @@ void run(const examples::Arguments& arguments) {
   Ombrix solver;
   OXModel& model = *solver.getModel();
   const examples::Table isIn = examples::createTable(model, instance.sizes.size(), nbBins);
-  const std::vector<OXExpression*> loads = createLoads(model, instance, isIn);
-  OXExpression* nbUsed = createNbUsed(model, isIn, instance.leastBins());
+  OXExpression* nbUsed = createNbUsed(model, isIn);
   model.addObjective(nbUsed, OXObjectiveDirection::Minimize);
-  model.addObjective(createFullness(model, loads, instance.leastBins()),
+  model.addObjective(createFullness(model, createLoads(model, instance, isIn)),
                      OXObjectiveDirection::Maximize);
   model.close();
   for (std::size_t i = 0; i < start.size(); ++i) isIn[i][start[i]]->setValue(1);

@@ -64,7 +64,8 @@ int runExample(int argc, char** argv, const std::function<void(const Arguments&)
 }
 
 void solveFor(Ombrix& solver, int seconds) {
-  solver.createPhase()->setTimeLimit(seconds);
+  OXPhase* phase = solver.getNbPhases() == 0 ? solver.createPhase() : solver.getPhase(0);
+  phase->setTimeLimit(seconds);
   solver.solve();
 }
 

@@ -22,7 +22,8 @@ struct Arguments {
 /// the body, and turns a failure into one line on the standard error and the exit status 1.
 int runExample(int argc, char** argv, const std::function<void(const Arguments&)>& body);
 
-/// Searches for the given time, with the engine's own display.
+/// Searches for the given time, with the engine's own display: in the first phase, which is new
+/// unless an environment was loaded.
 void solveFor(ombrix::Ombrix& solver, int seconds);
 
 /// Prints the answer beside the best known value, and writes the solution if a file was given.

@@ -20,6 +20,8 @@ antennas          8 antennas on a circle of radius 30 around 120 users, demands 
 travelling        D. S. Johnson and L. A. McGeoch 1997, uniform: 60 cities on a square of 1000.
 salesman
 car sequencing    B. M. Smith 1996: 100 cars in 20 classes, 5 options used to about 90 %.
+timetable         8 classes of 24 lessons in 30 periods, 12 teachers, 7 rooms; each teacher refuses 4
+                  periods.
 bin packing       E. Falkenauer 1996, uniform: 120 items, sizes from 20 to 100, bins of 150.
 
 The formats are those of the libraries of each problem, if it has one, and are told in the examples;
@@ -228,6 +230,27 @@ def bin_packing(nb_items, seed):
     return {"bins%d.txt" % nb_items: text}
 
 
+def timetable(nb_classes, nb_teachers, nb_rooms, seed):
+    draws = Draws(seed)
+    nb_days, nb_periods, most = 5, 6, 20
+    load, courses = [0] * nb_teachers, []
+    for school_class in range(nb_classes):
+        for nb_lessons in (4, 4, 3, 3, 3, 3, 2, 2):
+            teacher = draws.uniform(0, nb_teachers - 1)
+            while load[teacher] + nb_lessons > most:
+                teacher = (teacher + 1) % nb_teachers
+            load[teacher] += nb_lessons
+            courses.append((school_class, teacher, nb_lessons))
+    refusals = set()
+    while len(refusals) < 4 * nb_teachers:
+        refusals.add((len(refusals) // 4, draws.uniform(0, nb_days * nb_periods - 1)))
+    text = "%d %d %d\n" % (nb_days, nb_periods, nb_rooms)
+    text += "%d %d %d\n" % (nb_classes, nb_teachers, len(courses))
+    text += "".join("%d %d %d\n" % course for course in courses)
+    text += "%d\n" % len(refusals) + "".join("%d %d\n" % pair for pair in sorted(refusals))
+    return {"timetable%d.txt" % nb_classes: text}
+
+
 def generate():
     """The contents of every file, by name."""
     files = {}
@@ -242,6 +265,7 @@ def generate():
     files.update(travelling_salesman(60, 20089))
     files.update(car_sequencing(100, 20, 92, 20101))
     files.update(bin_packing(120, 20107))
+    files.update(timetable(8, 12, 7, 20113))
     return files
 
 

@@ -9,6 +9,7 @@ import ombrix.OXException;
 import ombrix.OXExpression;
 import ombrix.OXModel;
 import ombrix.OXOperator;
+import ombrix.OXPhase;
 import ombrix.OXSolutionStatus;
 import ombrix.Ombrix;
 
@@ -20,7 +21,8 @@ final class ExampleProgram {
   final String instance;
   int seconds = 10;
   private Double bestKnown;
-  private Path solutionFile;
+  /** Null for none. */
+  Path solutionFile;
 
   /** The part that differs from example to example. */
   interface Body {
@@ -69,13 +71,17 @@ final class ExampleProgram {
     }
   }
 
-  /** Searches for the time given on the command line, with the engine's own display. */
+  /**
+   * Searches for the time given on the command line, with the engine's own display: in the first phase, which
+   * is new unless an environment was loaded.
+   */
   void solve(Ombrix solver) {
     solveFor(solver, seconds);
   }
 
   static void solveFor(Ombrix solver, int seconds) {
-    solver.createPhase().setTimeLimit(seconds);
+    OXPhase phase = solver.getNbPhases() == 0 ? solver.createPhase() : solver.getPhase(0);
+    phase.setTimeLimit(seconds);
     solver.solve();
   }
 

@@ -82,6 +82,15 @@ final class InstanceFile {
     return numbers;
   }
 
+  /** Passes over a line that begins with the mark; false, and nothing read, if the next word does not. */
+  boolean skipComment(char mark) {
+    if (atEnd() || content.charAt(position) != mark) {
+      return false;
+    }
+    skipLine();
+    return true;
+  }
+
   void skipLine() {
     while (position < content.length() && content.charAt(position) != '\n') {
       ++position;

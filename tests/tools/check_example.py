@@ -4,7 +4,8 @@
 usage: check_example.py PROBLEM INSTANCE SOLUTION
 
 PROBLEM is knapsack, setcovering, quadraticassignment, graphcolouring, facilitylocation, planelocation,
-portfolio, antennas, travellingsalesman, carsequencing or binpacking; INSTANCE is the file that the program read, SOLUTION the file of numbers that it wrote. Prints "objective N" and exits with
+portfolio, antennas, travellingsalesman, carsequencing, binpacking or timetable; INSTANCE is the file that
+the program read, SOLUTION the file of numbers that it wrote. Prints "objective N" and exits with
 0 when the solution is feasible; otherwise says what is wrong and exits with 1.
 """
 import gzip
@@ -246,10 +247,43 @@ def binpacking(text, solution):
     return len(loads)
 
 
+def timetable(text, solution):
+    numbers = [int(word) for word in text.split()]
+    nb_days, nb_periods, nb_rooms, nb_classes, nb_teachers, nb_courses = numbers[:6]
+    courses = rows(numbers, 6, nb_courses, 3)
+    nb_refusals = numbers[6 + 3 * nb_courses]
+    refusals = {tuple(pair) for pair in rows(numbers, 7 + 3 * nb_courses, nb_refusals, 2)}
+    if len(solution) != sum(nb_lessons for _, _, nb_lessons in courses):
+        raise Wrong("%d lessons are held" % len(solution))
+    if any(slot < 0 or slot >= nb_days * nb_periods for slot in solution):
+        raise Wrong("a lesson lies outside the week")
+    left, agendas = list(solution), {}
+    for c, (school_class, teacher, nb_lessons) in enumerate(courses):
+        held, left = left[:nb_lessons], left[nb_lessons:]
+        if len({slot // nb_periods for slot in held}) != nb_lessons:
+            raise Wrong("course %d meets twice a day" % c)
+        for slot in held:
+            if (teacher, slot) in refusals:
+                raise Wrong("teacher %d refuses period %d" % (teacher, slot))
+            for who in (("class", school_class), ("teacher", teacher)):
+                if slot in agendas.setdefault(who, set()):
+                    raise Wrong("%s %d has two lessons in period %d" % (who + (slot,)))
+                agendas[who].add(slot)
+    for slot in set(solution):
+        if solution.count(slot) > nb_rooms:
+            raise Wrong("%d lessons in period %d" % (solution.count(slot), slot))
+    idle = 0
+    for agenda in agendas.values():
+        for day in range(nb_days):
+            today = sorted(slot for slot in agenda if slot // nb_periods == day)
+            idle += sum(later - slot - 1 for slot, later in zip(today, today[1:]))
+    return idle
+
+
 PROBLEMS = {f.__name__: f for f in
             (knapsack, setcovering, quadraticassignment, graphcolouring, facilitylocation,
              planelocation, portfolio, antennas, travellingsalesman, carsequencing,
-             binpacking)}
+             binpacking, timetable)}
 
 
 def main(arguments):

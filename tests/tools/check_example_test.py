@@ -119,6 +119,23 @@ class Others(unittest.TestCase):
         with self.assertRaisesRegex(checker.Wrong, "2 bins told for 3 items"):
             checker.binpacking("3 10 6 5 4", [0, 1])
 
+    def test_timetable_counts_the_periods_between_lessons(self):
+        # Two days of three periods, two rooms; teacher 0 refuses the first period of the second day.
+        text = "2 3 2  2 2 3  0 0 2  0 1 1  1 1 1  1  0 3"
+        self.assertEqual(0 + 1 + 0 + 0, checker.timetable(text, [0, 4, 2, 1]))
+        for wrong, solution in (
+            ("3 lessons are held", [0, 4, 2]),
+            ("outside the week", [0, 6, 2, 1]),
+            ("course 0 meets twice a day", [0, 1, 2, 1]),
+            ("teacher 0 refuses period 3", [0, 3, 2, 1]),
+            ("class 0 has two lessons in period 0", [0, 4, 0, 1]),
+            ("teacher 1 has two lessons in period 2", [0, 4, 2, 2]),
+        ):
+            with self.assertRaisesRegex(checker.Wrong, wrong):
+                checker.timetable(text, solution)
+        with self.assertRaisesRegex(checker.Wrong, "2 lessons in period 4"):
+            checker.timetable(text.replace("2 3 2", "2 3 1", 1), [0, 4, 2, 4])
+
     def test_exit_status(self):
         with tempfile.TemporaryDirectory() as folder:
             instance, solution = (os.path.join(folder, name) for name in ("instance", "solution"))
