@@ -42,8 +42,10 @@ PoolSettings readPoolSettings(const Ombrix& solver) {
   settings.moveRollEnabled = isEnabled(solver, "moveRollEnabled");
   settings.moveScrambleEnabled = isEnabled(solver, "moveScrambleEnabled");
   settings.moveMirrorEnabled = isEnabled(solver, "moveMirrorEnabled");
+  settings.moveSequenceEnabled = isEnabled(solver, "moveSequenceEnabled");
   settings.moveBinPackingEnabled = isEnabled(solver, "moveBinPackingEnabled");
   settings.moveEjectionChainEnabled = isEnabled(solver, "moveEjectionChainEnabled");
+  settings.moveSetPartitionEnabled = isEnabled(solver, "moveSetPartitionEnabled");
   return settings;
 }
 
@@ -81,7 +83,7 @@ Worker::Worker(Ombrix& owner) : solver(&owner) {
   heuristic->setRestartingRatio(positiveParam(owner, "restartingLevel", 3) * 10);
   heuristic->setMoveExploration(isEnabled(owner, "moveExplorationEnabled"));
   readParameters();
-  fillMovePool(heuristic->movePool, *basicMoveStructure, builder.moveAnalysis().doubleComparisons,
+  fillMovePool(*heuristic, *basicMoveStructure, builder.moveAnalysis().doubleComparisons,
                readPoolSettings(owner), autonomousStructure.get());
 }
 

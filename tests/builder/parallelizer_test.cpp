@@ -16,6 +16,7 @@
 #include "builder/worker.h"
 #include "common/failure.h"
 #include "support/failures.h"
+#include "support/mirrorchecks.h"
 #include "support/solvermodels.h"
 
 namespace ombrix {
@@ -144,6 +145,47 @@ TEST_F(ParallelizerTest, EveryWorkerDoesExactlyTheIterationsOfTheLimit) {
   EXPECT_EQ(search->countPhase().nbMoves, 3 * 12345);
   EXPECT_EQ(search->countPhase().nbIterations, 12345);
   EXPECT_EQ(solver.getState(), OXState::Stopped);
+}
+
+TEST_F(ParallelizerTest, EveryPhaseMirrorsTheConstraintsAnew) {
+  closeKnapsack(2);
+  addPhase(500);
+  addPhase(500);
+  createParallelizer();
+  int nbRebuilt = 0;
+  onEvent = [&](std::int32_t event) {
+    for (std::size_t i = 0; i < 2; ++i) {
+      AutonomousStructure& mirror = *worker(i).autonomousStructure;
+      if (event == kPhaseEnd) {
+        test::expectMirrorAgrees(mirror, worker(i).dag->values);
+        // A plan that nobody ends: the next phase must know nothing of it.
+        EXPECT_TRUE(mirror.dynamicByDecision[i]->change(worker(i).rng, false));
+      } else if (event == kPhaseStart) {
+        EXPECT_EQ(mirror.pendingDecisions.size(), 0u);
+        test::expectMirrorAgrees(mirror, worker(i).dag->values);
+        ++nbRebuilt;
+      }
+    }
+  };
+  run();
+  EXPECT_EQ(nbRebuilt, 4);
+}
+
+TEST_F(ParallelizerTest, TheMirrorFollowsTheBestSolutionThatIsPutIntoTheWorker) {
+  solver.getParam()->setAdvancedParam("syncIterations", 500);
+  closeKnapsack(3);
+  addPhase(5000);
+  createParallelizer();
+  int nbSyncs = 0;
+  onEvent = [&](std::int32_t event) {
+    if (event != kSync) return;
+    ++nbSyncs;
+    for (std::size_t i = 0; i < 3; ++i) {
+      test::expectMirrorAgrees(*worker(i).autonomousStructure, worker(i).dag->values);
+    }
+  };
+  run();
+  EXPECT_GE(nbSyncs, 10);
 }
 
 TEST_F(ParallelizerTest, SynchronisesEachTimeAllWorkersHaveDoneSoManyIterations) {

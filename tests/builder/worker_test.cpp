@@ -136,8 +136,9 @@ TEST_F(WorkerTest, MirrorsTheConstraintsForTheMovesThatPlan) {
   EXPECT_EQ(worker.autonomousStructure->dynamicNodes.size(),
             worker.autonomousStructure->moveAnalysis->staticNodes.size());
   EXPECT_FALSE(worker.autonomousStructure->dynamicNodes.empty());
-  EXPECT_EQ(moveNames(worker), (std::vector<std::string>{"2-BinPacking", "3-BinPacking",
-                                                         "4-BinPacking", "1-SimpleFlip"}));
+  EXPECT_EQ(moveNames(worker),
+            (std::vector<std::string>{"2-Sequence", "3-Sequence", "4-Sequence", "2-BinPacking",
+                                      "3-BinPacking", "4-BinPacking", "1-SimpleFlip"}));
 }
 
 TEST_F(WorkerTest, HasNoMirrorWithoutTheMovesThatPlan) {

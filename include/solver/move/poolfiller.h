@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "solver/kernel/movepool.h"
+#include "solver/kernel/heuristic.h"
 #include "solver/move/autonomousstructure.h"
 #include "solver/move/basicmovestructure.h"
 
@@ -17,7 +17,7 @@ struct PoolSettings {
   std::uint32_t largeMirrorSize = 50;  ///< rows that a large mirror turns at most
   std::uint32_t largeRollSize = 50;
   bool basicMovesEnabled = true;
-  bool advancedMovesEnabled = true;  ///< the moves that plan
+  bool advancedMovesEnabled = true;  ///< the moves that plan, and those made of others
   bool tspMovesEnabled = true;       ///< the moves on runs of exactly-one lists
   bool moveBalanceEnabled = true;
   bool moveSwapEnabled = true;  ///< the large mirrors too
@@ -29,15 +29,17 @@ struct PoolSettings {
   bool moveRollEnabled = true;
   bool moveScrambleEnabled = true;
   bool moveMirrorEnabled = true;
+  bool moveSequenceEnabled = true;
   bool moveBinPackingEnabled = true;
   bool moveEjectionChainEnabled = true;
+  bool moveSetPartitionEnabled = true;
 };
 
-/// Fills the pool of one worker with the moves that suit its model, in a fixed order and with fixed
+/// Fills the pool of a worker with the moves that suit its model, in a fixed order and with fixed
 /// weights. Without a mirror of the constraints there are no moves that plan. doubleComparisons are
-/// the nodes that compare doubles by equality or by a bound they may reach; the span outlives the
-/// pool.
-void fillMovePool(MovePool& pool, BasicMoveStructure& structure,
+/// the nodes that compare doubles by equality or by a bound they may reach; the span, the structure
+/// and the mirror outlive the pool.
+void fillMovePool(Heuristic& heuristic, BasicMoveStructure& structure,
                   std::span<const std::uint32_t> doubleComparisons, const PoolSettings& settings,
                   AutonomousStructure* mirror = nullptr);
 

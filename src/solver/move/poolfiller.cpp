@@ -1,43 +1,26 @@
 #include "solver/move/poolfiller.h"
 
 #include <algorithm>
-#include <array>
 #include <memory>
-#include <tuple>
 #include <utility>
 
+#include "solver/move/basicmovefactory.h"
 #include "solver/move/movebinpacking.h"
 #include "solver/move/moveejectionchain.h"
 #include "solver/move/movefloatbalance.h"
 #include "solver/move/movefloatsimplekflip.h"
 #include "solver/move/movefloattight.h"
-#include "solver/move/movekbalance.h"
-#include "solver/move/movekcycle.h"
-#include "solver/move/movekflip.h"
-#include "solver/move/moveklforkcycle.h"
-#include "solver/move/moveklforkpath.h"
 #include "solver/move/movekmirror.h"
-#include "solver/move/movekpath.h"
 #include "solver/move/movekroll.h"
 #include "solver/move/movekscramble.h"
-#include "solver/move/movekswap.h"
+#include "solver/move/movesequence.h"
+#include "solver/move/movesetpartition.h"
 #include "solver/move/movesimplekflip.h"
 
 namespace ombrix {
 
 namespace {
 
-/// The weights of one kind of move for k = 1, 2, ...; beyond the table they are 0.
-using WeightTable = std::array<std::uint32_t, 10>;
-constexpr WeightTable kBalanceWeights = {4, 2, 1, 1, 0, 0, 0, 0, 0, 0};
-constexpr WeightTable kSwapWeights = {4, 2, 1, 1, 0, 0, 0, 0, 0, 0};
-constexpr WeightTable kFlipWeights = {8, 8, 2, 1, 1, 1, 1, 1, 0, 0};
-constexpr WeightTable kPathWeights = {0, 6, 6, 8, 8, 4, 2, 1, 0, 0};
-constexpr WeightTable kCycleWeights = {0, 2, 4, 8, 8, 4, 2, 1, 0, 0};
-constexpr WeightTable kForkCycle2Weights = {0, 0, 2, 0, 0, 0, 0, 0, 0, 0};
-constexpr WeightTable kForkCycle3Weights = {0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
-constexpr WeightTable kForkPath2Weights = {0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
-constexpr WeightTable kForkPath3Weights = {0, 0, 1, 0, 0, 0, 0, 0, 0, 0};
 constexpr WeightTable kRollWeights = {4, 8, 8, 8, 8, 8, 8, 8, 8, 8};
 constexpr WeightTable kScrambleWeights = {0, 0, 4, 8, 8, 4, 2, 1, 1, 1};
 constexpr WeightTable kMirrorWeights = {4, 8, 8, 8, 8, 8, 8, 8, 8, 8};
@@ -49,9 +32,10 @@ constexpr std::uint32_t kLargeWeight = 8;
 /// Adds the moves of one worker, family by family.
 class PoolFiller {
 public:
-  PoolFiller(MovePool& target, BasicMoveStructure& lists, const PoolSettings& options,
+  PoolFiller(Heuristic& target, BasicMoveStructure& lists, const PoolSettings& options,
              AutonomousStructure* constraintMirror)
-      : pool(target),
+      : heuristic(target),
+        pool(target.movePool),
         structure(lists),
         planStructure(constraintMirror),
         settings(options),
@@ -59,12 +43,13 @@ public:
         dag(*lists.dag),
         rng(*lists.rng),
         analysis(*lists.constraintAnalysis),
-        fields(*lists.dag->fixedFields) {}
+        fields(*lists.dag->fixedFields),
+        basicMoves(lists, rate) {}
 
   void fill(std::span<const std::uint32_t> doubleComparisons) {
     if (fields.nbBooleanVars > 0) {
       if (settings.tspMovesEnabled) addRunMoves();
-      if (settings.advancedMovesEnabled && planStructure != nullptr) addPlannedMoves();
+      if (settings.advancedMovesEnabled) addAdvancedMoves();
       if (settings.basicMovesEnabled) addBasicMoves();
       addSimpleFlip();
     }
@@ -78,6 +63,10 @@ private:
     pool.addMove(std::make_unique<M>(dag, rng, std::forward<Args>(args)...));
   }
 
+  void addIf(bool isWanted, std::unique_ptr<Move> move) {
+    if (isWanted && move != nullptr) pool.addMove(std::move(move));
+  }
+
   void addSimpleFlip() { add<MoveSimpleKFlip>(1u, 1u, rate); }
 
   void addFloatMoves(std::span<const std::uint32_t> doubleComparisons) {
@@ -89,7 +78,7 @@ private:
   /// Adds a move of size k if its weight is above 0 and it is wanted.
   template <class M, class... Args>
   void addSized(const WeightTable& table, std::uint32_t k, bool isWanted, Args&&... args) {
-    const std::uint32_t weight = table[k - 1];
+    const std::uint32_t weight = weightAt(table, k);
     if (weight > 0 && isWanted) add<M>(std::forward<Args>(args)..., weight, rate, structure);
   }
 
@@ -105,10 +94,21 @@ private:
     }
   }
 
-  void addPlannedMoves() {
-    if (planStructure->moveAnalysis->staticNodes.empty()) return;
-    if (settings.moveBinPackingEnabled) addPlanned<MoveBinPacking>();
-    if (settings.moveEjectionChainEnabled) addPlanned<MoveEjectionChain>();
+  void addAdvancedMoves() {
+    const bool hasMirror =
+        planStructure != nullptr && !planStructure->moveAnalysis->staticNodes.empty();
+    if (settings.moveSequenceEnabled) addSequences();
+    if (settings.moveBinPackingEnabled && hasMirror) addPlanned<MoveBinPacking>();
+    if (settings.moveEjectionChainEnabled && hasMirror) addPlanned<MoveEjectionChain>();
+    if (settings.moveSetPartitionEnabled && analysis.nbExactlyOneLists > 0) {
+      add<MoveSetPartition>(structure);
+    }
+  }
+
+  void addSequences() {
+    add<MoveSequence>(2u, 0u, rate, heuristic, structure);
+    add<MoveSequence>(3u, 1u, rate, heuristic, structure);
+    add<MoveSequence>(4u, 2u, rate, heuristic, structure);
   }
 
   template <class M>
@@ -120,34 +120,17 @@ private:
 
   void addBasicMoves() {
     for (std::uint32_t k = 1; k <= std::min(settings.neighborhoodSize, kTableEnd); ++k) {
-      addFlipMoves(k);
-      if (k >= 2) addChainMoves(k);
+      addIf(settings.moveBalanceEnabled, basicMoves.balance(k));
+      addIf(settings.moveSwapEnabled, basicMoves.swap(k));
+      addIf(settings.moveFlipEnabled, basicMoves.flip(k));
+      addIf(settings.movePathEnabled, basicMoves.path(k));
+      addIf(settings.moveCycleEnabled, basicMoves.cycle(k));
+      addIf(settings.moveForkCycleEnabled, basicMoves.forkCycle(k, 2));
+      addIf(settings.moveForkCycleEnabled, basicMoves.forkCycle(k, 3));
+      addIf(settings.moveForkPathEnabled, basicMoves.forkPath(k, 2));
+      addIf(settings.moveForkPathEnabled, basicMoves.forkPath(k, 3));
     }
     addLargeMoves();
-  }
-
-  void addFlipMoves(std::uint32_t k) {
-    const std::uint32_t balanceWeight = kBalanceWeights[k - 1];
-    if (balanceWeight > 0 && settings.moveBalanceEnabled && k <= fields.nbInnerNodes) {
-      add<MoveKBalance>(k, balanceWeight);
-    }
-    const bool isSwapped = settings.moveSwapEnabled && 2 * k <= analysis.swapDecisions.size();
-    addSized<MoveKSwap>(kSwapWeights, k, isSwapped, k);
-    const bool isFlipped = settings.moveFlipEnabled && k <= analysis.freeDecisions.size();
-    addSized<MoveKFlip>(kFlipWeights, k, isFlipped, k);
-  }
-
-  void addChainMoves(std::uint32_t k) {
-    const bool hasFreeLists = analysis.nbFreeLists > 0;
-    const bool hasLists = !analysis.booleanLists.empty();
-    const bool forksCycle = settings.moveForkCycleEnabled && k >= 3 && hasLists;
-    const bool forksPath = settings.moveForkPathEnabled && k >= 3 && hasFreeLists;
-    addSized<MoveKPath>(kPathWeights, k, settings.movePathEnabled && hasFreeLists, k);
-    addSized<MoveKCycle>(kCycleWeights, k, settings.moveCycleEnabled && hasLists, k);
-    addSized<MoveKLForkCycle>(kForkCycle2Weights, k, forksCycle, k, 2u);
-    addSized<MoveKLForkCycle>(kForkCycle3Weights, k, forksCycle, k, 3u);
-    addSized<MoveKLForkPath>(kForkPath2Weights, k, forksPath, k, 2u);
-    addSized<MoveKLForkPath>(kForkPath3Weights, k, forksPath, k, 3u);
   }
 
   /// The moves on long runs, of a size between the neighborhood and their own.
@@ -167,6 +150,7 @@ private:
 
   static std::uint32_t evenPart(std::uint32_t size) { return size - size % 2; }
 
+  Heuristic& heuristic;
   MovePool& pool;
   BasicMoveStructure& structure;
   AutonomousStructure* planStructure;
@@ -176,14 +160,15 @@ private:
   std::uint32_t& rng;
   const ConstraintAnalysis& analysis;
   const DagFixedFields& fields;
+  const BasicMoveFactory basicMoves;
 };
 
 }  // namespace
 
-void fillMovePool(MovePool& pool, BasicMoveStructure& structure,
+void fillMovePool(Heuristic& heuristic, BasicMoveStructure& structure,
                   std::span<const std::uint32_t> doubleComparisons, const PoolSettings& settings,
                   AutonomousStructure* mirror) {
-  PoolFiller(pool, structure, settings, mirror).fill(doubleComparisons);
+  PoolFiller(heuristic, structure, settings, mirror).fill(doubleComparisons);
 }
 
 }  // namespace ombrix

@@ -43,8 +43,9 @@ void operator delete[](void* memory, std::size_t) noexcept {
 namespace ombrix {
 namespace {
 
-/// Rows of which exactly one decision is chosen, a budget over all of them, and two objectives.
-void buildAssignment(test::GraphBuilder& builder, std::uint32_t nbRows) {
+/// Rows of which exactly one decision is chosen, a budget over all of them, doubles that share an
+/// amount, and two objectives. Answers the comparison of doubles.
+std::uint32_t buildAssignment(test::GraphBuilder& builder, std::uint32_t nbRows) {
   const auto x = builder.booleans(4 * nbRows);
   std::vector<std::int64_t> costs;
   for (std::uint32_t i = 0; i < nbRows; ++i) {
@@ -58,17 +59,22 @@ void buildAssignment(test::GraphBuilder& builder, std::uint32_t nbRows) {
   builder.constraint(builder.node(NodeType::Leq, {count, builder.constant(nbRows / 2)}));
   builder.maximise(builder.node(NodeType::Min, {count, builder.constant(nbRows / 4)}));
   builder.minimise(builder.node(NodeType::ScalarSum, x, costs));
+  const auto shares =
+      builder.doubleNode(NodeType::DoubleSum,
+                         {builder.floating(0, 1), builder.floating(0, 2), builder.floating(0, 3)});
+  return builder.constraint(
+      builder.node(NodeType::DoubleLeq, {shares, builder.doubleConstant(2.5)}));
 }
 
 TEST(Allocation, NoneInAnIterationOnceWarm) {
   test::SearchGraph graph;
-  buildAssignment(graph.builder, 50);
+  const std::vector<std::uint32_t> comparisons = {buildAssignment(graph.builder, 50)};
   graph.start(3);
   const MoveAnalysis analysis(graph.builder.fields, true);
   AutonomousStructure mirror(*graph.dag, analysis, graph.rng);
   mirror.rebuild();
   HeuristicAutoAnnealing heuristic(*graph.dag, &graph.rng);
-  fillMovePool(heuristic.movePool, *graph.structure, {}, PoolSettings{}, &mirror);
+  fillMovePool(heuristic, *graph.structure, comparisons, PoolSettings{}, &mirror);
   heuristic.setAnnealingWindow(6);
   heuristic.reset();
   heuristic.iterationLimit = 20000;

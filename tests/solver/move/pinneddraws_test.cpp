@@ -51,14 +51,21 @@ protected:
     for (const auto decision : assigned) graph.raise(decision);
   }
 
+  /// The moves that are searches in themselves are pinned apart.
+  static PoolSettings basicSettings() {
+    PoolSettings settings;
+    settings.advancedMovesEnabled = false;
+    return settings;
+  }
+
   test::SearchGraph graph;
 };
 
 TEST_F(PinnedDrawsTest, EveryMoveOfThePoolWritesTheSameDecisionsInTheSameOrder) {
-  MovePool pool;
-  fillMovePool(pool, *graph.structure, {}, PoolSettings{});
+  HeuristicAutoAnnealing heuristic(*graph.dag, &graph.rng);
+  fillMovePool(heuristic, *graph.structure, {}, basicSettings());
   std::string text;
-  for (const auto& move : pool.moves) {
+  for (const auto& move : heuristic.movePool.moves) {
     graph.rng = 12345;
     Trace trace;
     for (int i = 0; i < 200; ++i) {
@@ -135,9 +142,48 @@ TEST_F(PinnedDrawsTest, EveryMoveOfThePoolWritesTheSameDecisionsInTheSameOrder) 
             "1-SimpleFlip 13245702032040851947\n");
 }
 
+TEST_F(PinnedDrawsTest, EveryAdvancedMoveLeadsToTheSameDecisionsWithTheSameDraws) {
+  const MoveAnalysis analysis(graph.builder.fields, true);
+  AutonomousStructure mirror(*graph.dag, analysis, graph.rng);
+  mirror.rebuild();
+  HeuristicAutoAnnealing heuristic(*graph.dag, &graph.rng);
+  PoolSettings settings;
+  settings.basicMovesEnabled = settings.tspMovesEnabled = false;
+  fillMovePool(heuristic, *graph.structure, {}, settings, &mirror);
+  std::string text;
+  for (const auto& move : heuristic.movePool.moves) {
+    graph.rng = 12345;
+    Trace trace;
+    std::uint32_t nbBuilt = 0;
+    for (int i = 0; i < 200; ++i) {
+      const bool isBuilt = move->apply();
+      nbBuilt += isBuilt ? 1 : 0;
+      for (std::uint32_t j = 0; j < graph.builder.fields.firstInnerNode; ++j) {
+        const std::uint32_t decision = graph.builder.fields.nodesByGroup[j];
+        if (graph.dag->tValues[decision].intValue == 1) trace.add(decision);
+      }
+      trace.add(graph.rng);
+      move->finish(MoveStatus::Rejected);
+    }
+    text += move->name + " " + std::to_string(nbBuilt) + " " + std::to_string(trace.value()) + "\n";
+  }
+  EXPECT_EQ(text,
+            "2-Sequence 1 12879569725706216026\n"
+            "3-Sequence 136 2077585141269216597\n"
+            "4-Sequence 197 6084183396075571256\n"
+            "2-BinPacking 15 262174253061005543\n"
+            "3-BinPacking 8 2483136379467150994\n"
+            "4-BinPacking 50 14888248210183507770\n"
+            "2-EjectionChain 12 3818005048114913107\n"
+            "3-EjectionChain 10 443146471855815597\n"
+            "4-EjectionChain 133 15956454372261926527\n"
+            "SetPartition 200 983282141876258807\n"
+            "1-SimpleFlip 200 12629830163036653907\n");
+}
+
 TEST_F(PinnedDrawsTest, AWholeSearchEndsInTheSameStateWithTheSameCounters) {
   HeuristicAutoAnnealing heuristic(*graph.dag, &graph.rng);
-  fillMovePool(heuristic.movePool, *graph.structure, {}, PoolSettings{});
+  fillMovePool(heuristic, *graph.structure, {}, basicSettings());
   heuristic.setAnnealingWindow(6);
   heuristic.setRestartingRatio(30);
   graph.rng = 1;

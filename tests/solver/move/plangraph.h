@@ -7,6 +7,7 @@
 #include "solver/move/autonomousstructure.h"
 #include "solver/move/moveanalysis.h"
 #include "tests/support/graphs.h"
+#include "tests/support/mirrorchecks.h"
 
 namespace ombrix::test {
 
@@ -44,24 +45,7 @@ public:
     }
   }
 
-  /// Every mirrored node passes its check and has the given value of the Dag, and the violated ones
-  /// are those at 0 among the constraints.
-  void expectAgrees(const NodeValues& values) const {
-    const DagFixedFields& fields = builder.fields;
-    for (const DynamicConstraintNode* node : structure->dynamicNodes) {
-      const std::uint32_t id = node->getStatic()->node;
-      ASSERT_NO_THROW(node->check()) << fields.getTypeName(id);
-      if (fields.domains[id] == kDoubleDomain) {
-        ASSERT_TRUE(approxEqual(node->getDoubleValue(), values[id].doubleValue));
-      } else {
-        ASSERT_EQ(node->getValue(), values[id].intValue) << fields.getTypeName(id);
-      }
-      if (fields.isConstraint(id)) {
-        ASSERT_EQ(structure->violatedNodes.contains(node->getStatic()->index),
-                  values[id].intValue == 0);
-      }
-    }
-  }
+  void expectAgrees(const NodeValues& values) const { expectMirrorAgrees(*structure, values); }
 
   GraphBuilder builder;
   std::uint32_t rng = 1;

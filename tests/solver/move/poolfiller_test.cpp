@@ -3,6 +3,7 @@
 #include <string>
 
 #include "common/failure.h"
+#include "solver/kernel/heuristicautoannealing.h"
 #include "tests/support/failures.h"
 #include "tests/support/searchgraph.h"
 
@@ -11,16 +12,22 @@ namespace {
 
 class PoolFillerTest : public testing::Test {
 protected:
-  /// "name*weight" of every move in the pool, in order.
+  /// "name*weight" of every move in the pool, in order. Without the advanced moves unless asked
+  /// for.
   std::string fill(const PoolSettings& settings,
                    const std::vector<std::uint32_t>& doubleComparisons = {},
-                   bool isMirrored = false) {
+                   bool withAdvancedMoves = false) {
     graph.start();
-    const MoveAnalysis analysis(graph.builder.fields, isMirrored);
+    const MoveAnalysis analysis(graph.builder.fields, withAdvancedMoves);
     AutonomousStructure mirror(*graph.dag, analysis, graph.rng);
-    MovePool pool;
-    fillMovePool(pool, *graph.structure, doubleComparisons, settings,
-                 isMirrored ? &mirror : nullptr);
+    HeuristicAutoAnnealing heuristic(*graph.dag, &graph.rng);
+    PoolSettings own = settings;
+    own.advancedMovesEnabled = own.advancedMovesEnabled && withAdvancedMoves;
+    fillMovePool(heuristic, *graph.structure, doubleComparisons, own, &mirror);
+    return describe(heuristic.movePool);
+  }
+
+  static std::string describe(const MovePool& pool) {
     std::string text;
     for (const auto& move : pool.moves) {
       text += (text.empty() ? "" : " ") + move->name + "*" + std::to_string(move->initialWeight);
@@ -234,45 +241,78 @@ TEST_F(PoolFillerTest, ATargetingRateAboveAHundredIsRefusedByTheFirstMoveThatMin
                       [&] { fill(settings); });
 }
 
-TEST_F(PoolFillerTest, MovesThatPlanStandBetweenTheRunsAndTheBasicOnes) {
+TEST_F(PoolFillerTest, ATargetingRateAboveAHundredIsRefusedBySequencesToo) {
+  graph.builder.booleans(2);
+  PoolSettings settings;
+  settings.targetingRate = 110;
+  test::expectFailure(kInternal, "MoveSequence::MoveSequence",
+                      "Targeting rate must be smaller than 100.",
+                      [&] { fill(settings, {}, true); });
+}
+
+TEST_F(PoolFillerTest, AdvancedMovesStandBetweenTheRunsAndTheBasicOnes) {
   buildLists(0, 2);
   PoolSettings settings;
   settings.neighborhoodSize = 2;
   const std::string text = fill(settings, {}, true);
-  const std::string planned =
-      " 2-BinPacking*1 3-BinPacking*1 4-BinPacking*1 2-EjectionChain*1 3-EjectionChain*1 "
-      "4-EjectionChain*1 1-Balance*4 ";
-  EXPECT_NE(text.find(planned), std::string::npos) << text;
-  EXPECT_LT(text.find("-Mirror"), text.find("2-BinPacking"));
+  const std::string advanced =
+      " 2-Sequence*1 3-Sequence*1 4-Sequence*1 2-BinPacking*1 3-BinPacking*1 4-BinPacking*1 "
+      "2-EjectionChain*1 3-EjectionChain*1 4-EjectionChain*1 SetPartition*1 1-Balance*4 ";
+  EXPECT_NE(text.find(advanced), std::string::npos) << text;
+  EXPECT_LT(text.find("-Mirror"), text.find("2-Sequence"));
 }
 
-TEST_F(PoolFillerTest, MovesThatPlanHaveTheirSwitches) {
+TEST_F(PoolFillerTest, AdvancedMovesHaveTheirSwitches) {
   buildLists(0, 2);
-  const auto has = [this](const PoolSettings& settings, bool isMirrored, const char* name) {
+  PoolSettings base;
+  base.basicMovesEnabled = base.tspMovesEnabled = false;
+  const auto without = [&](bool PoolSettings::*flag) {
+    PoolSettings settings = base;
+    settings.*flag = false;
     graph.structure.reset();
-    return fill(settings, {}, isMirrored).find(name) != std::string::npos;
+    return fill(settings, {}, true);
   };
-  EXPECT_TRUE(has({}, true, "BinPacking"));
-  EXPECT_FALSE(has({}, false, "BinPacking"));
-  PoolSettings off;
-  off.moveBinPackingEnabled = false;
-  EXPECT_FALSE(has(off, true, "BinPacking"));
-  EXPECT_TRUE(has(off, true, "EjectionChain"));
-  off = {};
-  off.moveEjectionChainEnabled = false;
-  EXPECT_TRUE(has(off, true, "BinPacking"));
-  EXPECT_FALSE(has(off, true, "EjectionChain"));
-  off = {};
-  off.advancedMovesEnabled = false;
-  EXPECT_FALSE(has(off, true, "BinPacking"));
-  EXPECT_FALSE(has(off, true, "EjectionChain"));
+  const std::string sequences = "2-Sequence*1 3-Sequence*1 4-Sequence*1 ";
+  const std::string packings = "2-BinPacking*1 3-BinPacking*1 4-BinPacking*1 ";
+  const std::string chains = "2-EjectionChain*1 3-EjectionChain*1 4-EjectionChain*1 ";
+  const std::string partition = "SetPartition*1 ";
+  const std::string last = "1-SimpleFlip*1";
+  EXPECT_EQ(without(&PoolSettings::moveSequenceEnabled), packings + chains + partition + last);
+  EXPECT_EQ(without(&PoolSettings::moveBinPackingEnabled), sequences + chains + partition + last);
+  EXPECT_EQ(without(&PoolSettings::moveEjectionChainEnabled),
+            sequences + packings + partition + last);
+  EXPECT_EQ(without(&PoolSettings::moveSetPartitionEnabled), sequences + packings + chains + last);
+  EXPECT_EQ(without(&PoolSettings::advancedMovesEnabled), last);
 }
 
 TEST_F(PoolFillerTest, WithoutConstraintsOnDecisionsAloneNoMovePlans) {
   graph.builder.minimise(graph.builder.node(NodeType::BooleanSum, graph.builder.booleans(3)));
-  const std::string text = fill({}, {}, true);
-  EXPECT_EQ(text.find("BinPacking"), std::string::npos);
-  EXPECT_EQ(text.find("EjectionChain"), std::string::npos);
+  PoolSettings settings;
+  settings.basicMovesEnabled = false;
+  EXPECT_EQ(fill(settings, {}, true), "2-Sequence*1 3-Sequence*1 4-Sequence*1 1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, WithoutAMirrorNoMovePlans) {
+  buildLists(0, 2);
+  graph.start();
+  HeuristicAutoAnnealing heuristic(*graph.dag, &graph.rng);
+  PoolSettings settings;
+  settings.basicMovesEnabled = settings.tspMovesEnabled = false;
+  fillMovePool(heuristic, *graph.structure, {}, settings);
+  EXPECT_EQ(describe(heuristic.movePool),
+            "2-Sequence*1 3-Sequence*1 4-Sequence*1 SetPartition*1 1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, ListsThatAreNotExactlyOneBringNoExchange) {
+  buildLists(2, 0);
+  PoolSettings settings;
+  settings.basicMovesEnabled = settings.tspMovesEnabled = false;
+  EXPECT_EQ(fill(settings, {}, true).find("SetPartition"), std::string::npos);
+}
+
+TEST_F(PoolFillerTest, WithoutBooleansThereAreNoAdvancedMoves) {
+  graph.builder.floating(0, 1);
+  EXPECT_EQ(fill({}, {}, true), "1-FloatSimpleFlip*1");
 }
 
 }  // namespace
