@@ -45,6 +45,11 @@ void writeSolution(const std::string& fileName, const std::vector<long long>& so
   if (!out) throw std::runtime_error("Cannot write file " + fileName);
 }
 
+std::function<void(Ombrix&, int)>& replacedSearch() {
+  static std::function<void(Ombrix&, int)> search;
+  return search;
+}
+
 bool isFeasible(OXSolutionStatus status) {
   return status == OXSolutionStatus::Feasible || status == OXSolutionStatus::Optimal;
 }
@@ -63,7 +68,15 @@ int runExample(int argc, char** argv, const std::function<void(const Arguments&)
   return EXIT_FAILURE;
 }
 
+void replaceSearch(const std::function<void(Ombrix&, int)>& search) {
+  replacedSearch() = search;
+}
+
 void solveFor(Ombrix& solver, int seconds) {
+  if (replacedSearch()) {
+    replacedSearch()(solver, seconds);
+    return;
+  }
   OXPhase* phase = solver.getNbPhases() == 0 ? solver.createPhase() : solver.getPhase(0);
   phase->setTimeLimit(seconds);
   solver.solve();

@@ -26,6 +26,10 @@ int runExample(int argc, char** argv, const std::function<void(const Arguments&)
 /// unless an environment was loaded.
 void solveFor(ombrix::Ombrix& solver, int seconds);
 
+/// What solveFor is to do with a closed solver and the seconds instead of searching as it does; for
+/// a program that wants the model of an example, or its search with other parameters.
+void replaceSearch(const std::function<void(ombrix::Ombrix&, int)>& search);
+
 /// Prints the answer beside the best known value, and writes the solution if a file was given.
 /// Returns normally also when no feasible solution was found: it then says so.
 void report(ombrix::Ombrix& solver, const Arguments& arguments, double objective,

@@ -1,4 +1,5 @@
-// Builds the model of a published instance and saves it as an environment, for the program ombrix.
+// Builds the model of a published instance and saves it as an environment, for
+// the program ombrix.
 //
 // usage: bench_models FAMILY INSTANCE ENVIRONMENT
 
@@ -6,8 +7,11 @@
 #include <exception>
 #include <iostream>
 #include <map>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
+#include "examplemodels.h"
 #include "models.h"
 
 namespace {
@@ -19,12 +23,27 @@ const std::map<std::string, bench::Build>& families() {
       {"clique", bench::buildClique},   {"maxcut", bench::buildMaxcut},
       {"qubo", bench::buildQubo},       {"qkp", bench::buildQkp},
       {"maxsat", bench::buildMaxsat},   {"steelmill", bench::buildSteelmill},
-      {"golfers", bench::buildGolfers},
+      {"golfers", bench::buildGolfers}, {"nurse", bench::buildNurse},
   };
   return kFamilies;
 }
 
-int run(const std::string& family, const std::string& instance, const std::string& environment) {
+/// The example program that models a family.
+const std::map<std::string, std::string>& exampleFamilies() {
+  static const std::map<std::string, std::string> kFamilies = {
+      {"mkp", "knapsack"},          {"scp", "setcovering"},         {"scp_rail", "setcovering"},
+      {"scp_sts", "setcovering"},   {"qap", "quadraticassignment"}, {"coloring", "graphcolouring"},
+      {"ufl", "facilitylocation"},  {"tsp", "travellingsalesman"},  {"carseq", "carsequencing"},
+      {"binpacking", "binpacking"},
+  };
+  return kFamilies;
+}
+
+int save(const std::string& family, const std::string& instance, const std::string& environment) {
+  const auto example = exampleFamilies().find(family);
+  if (example != exampleFamilies().end()) {
+    return bench::saveExample(example->second, instance, environment);
+  }
   const auto build = families().find(family);
   if (build == families().end()) {
     std::cerr << "there is no model of the family " << family << '\n';
@@ -38,15 +57,32 @@ int run(const std::string& family, const std::string& instance, const std::strin
   return EXIT_SUCCESS;
 }
 
+int solve(const std::string& family, const std::string& instance,
+          const bench::SearchOptions& options, const std::string& solutionFile) {
+  const auto example = exampleFamilies().find(family);
+  if (example == exampleFamilies().end()) {
+    throw std::runtime_error("there is no example of the family " + family);
+  }
+  return bench::solveExample(example->second, instance, options, solutionFile);
+}
+
+int run(const std::vector<std::string>& words) {
+  if (words.size() == 3) return save(words[0], words[1], words[2]);
+  if (words.size() == 7 && words[0] == "solve") {
+    const bench::SearchOptions options{std::stoi(words[3]), std::stoi(words[4]),
+                                       std::stoi(words[5])};
+    return solve(words[1], words[2], options, words[6]);
+  }
+  std::cerr << "usage: bench_models FAMILY INSTANCE ENVIRONMENT\n"
+               "       bench_models solve FAMILY INSTANCE SECONDS SEED THREADS SOLUTION\n";
+  return EXIT_FAILURE;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 4) {
-    std::cerr << "usage: bench_models FAMILY INSTANCE ENVIRONMENT\n";
-    return EXIT_FAILURE;
-  }
   try {
-    return run(argv[1], argv[2], argv[3]);
+    return run(std::vector<std::string>(argv + 1, argv + argc));
   } catch (const ombrix::OXException& failure) {
     std::cerr << failure.getExplanation() << '\n';
   } catch (const std::exception& failure) {

@@ -36,7 +36,8 @@ void buildMaxsat(ombrix::OXModel& model, const std::string& fileName);
 void buildSteelmill(ombrix::OXModel& model, const std::string& fileName);
 /// x_r_p_g: in round r golfer p plays in group g.
 void buildGolfers(ombrix::OXModel& model, const std::string& fileName);
-/// x_e_d_s: employee e works shift s on day d, all by their position in the file.
+/// x_e_d_s: employee e works shift s on day d, by their position in the file; the last s is the day
+/// off.
 void buildNurse(ombrix::OXModel& model, const std::string& fileName);
 
 }  // namespace bench

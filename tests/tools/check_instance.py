@@ -10,9 +10,10 @@ alone, and exits with 0 when they obey every rule of the problem. Otherwise says
 with 1.
 
 Families whose model is an example program are checked by check_example.py, once the decisions have been
-turned into the numbers that the program itself would write.
+turned into the numbers that the program itself would write. A SOLUTION without "v" lines holds these numbers.
 """
 import gzip
+import heapq
 import itertools
 import re
 import sys
@@ -35,9 +36,11 @@ def read_text(name):
 
 
 def read_decisions(name):
-    """Value by name, in the order of the file."""
-    values = {}
-    for line in read_text(name).splitlines():
+    """Value by name, in the order of the file. The numbers of an example program are kept as they are."""
+    values, text = {}, read_text(name)
+    if not any(line.startswith("v") for line in text.splitlines()):
+        return [int(word) for word in text.split()]
+    for line in text.splitlines():
         words = line.split()
         if words[:1] != ["v"]:
             continue
@@ -136,7 +139,6 @@ def pmed(text, values):
 
 def distances_from(sources, neighbours):
     """The distance of every vertex to the nearest source."""
-    import heapq
     distance = [None] * len(neighbours)
     queue = [(0, v) for v in sources]
     heapq.heapify(queue)
@@ -169,7 +171,7 @@ def mip01(text, values):
         elif section == "COLUMNS" and "'MARKER'" not in words:
             names.add(words[0])
             for row, number in zip(words[1::2], words[2::2]):
-                if values[words[0]]:
+                if values.get(words[0]):
                     sums[row] += Decimal(number)
         elif section in ("RHS", "RANGES"):
             target = sides if section == "RHS" else ranges
@@ -319,6 +321,86 @@ def golfers(text, values):
     return sum(count - 1 for count in meetings.values())
 
 
+def sections(text):
+    """The fields of the lines of each section."""
+    found, current = {}, []
+    for line in text.splitlines():
+        line = line.strip()
+        if line.startswith("SECTION_"):
+            current = found.setdefault(line, [])
+        elif line and not line.startswith("#"):
+            current.append([field.strip() for field in line.split(",")])
+    return found
+
+
+def runs(flags):
+    """(value, length, whether it touches the first or the last day) of each stretch of equal flags."""
+    position = 0
+    for value, group in itertools.groupby(flags):
+        length = len(list(group))
+        yield value, length, position == 0 or position + length == len(flags)
+        position += length
+
+
+def check_nurse(name, roster, minutes, forbidden, fields):
+    """The rules of one employee, whose roster has a shift or None for each day."""
+    most, most_minutes, least_minutes, longest, shortest, shortest_off, weekends = fields
+    for part in most.split("|"):
+        shift, count = part.split("=")
+        at_most(roster.count(shift), int(count), "%s, in shifts %s," % (name, shift))
+    worked = sum(minutes[shift] for shift in roster if shift)
+    if not int(least_minutes) <= worked <= int(most_minutes):
+        raise Wrong("%s works %d minutes" % (name, worked))
+    for today, tomorrow in zip(roster, roster[1:]):
+        if today and tomorrow in forbidden[today]:
+            raise Wrong("%s works %s after %s" % (name, tomorrow, today))
+    for works, length, is_at_end in runs([shift is not None for shift in roster]):
+        if works and length > int(longest):
+            raise Wrong("%s works %d days in a row" % (name, length))
+        if length < int(shortest if works else shortest_off) and not is_at_end:
+            raise Wrong("%s has %d days of %s in a row" % (name, length, "work" if works else "rest"))
+    at_most(sum(any(roster[day:day + 2]) for day in range(5, len(roster), 7)), int(weekends),
+            "%s, in weekends," % name)
+
+
+def nurse(text, values):
+    parts = sections(text)
+    nb_days = int(parts["SECTION_HORIZON"][0][0])
+    shifts = [fields[0] for fields in parts["SECTION_SHIFTS"]]
+    minutes = {fields[0]: int(fields[1]) for fields in parts["SECTION_SHIFTS"]}
+    forbidden = {fields[0]: fields[2].split("|") if len(fields) > 2 else []
+                 for fields in parts["SECTION_SHIFTS"]}
+    staff = parts["SECTION_STAFF"]
+    rosters = {fields[0]: [None] * nb_days for fields in staff}
+    for employee, day, shift in taken(values):
+        roster = rosters[staff[employee][0]]
+        if roster[day] is not None:
+            raise Wrong("%s has two shifts on day %d" % (staff[employee][0], day))
+        roster[day] = (shifts + ["off"])[shift]
+    for name in rosters:
+        if None in rosters[name]:
+            raise Wrong("%s has nothing on day %d" % (name, rosters[name].index(None)))
+        rosters[name] = [None if shift == "off" else shift for shift in rosters[name]]
+    for fields in staff:
+        check_nurse(fields[0], rosters[fields[0]], minutes, forbidden, fields[1:])
+    for name, *days in parts.get("SECTION_DAYS_OFF", []):
+        if any(rosters[name][int(day)] for day in days):
+            raise Wrong("%s works on a fixed day off" % name)
+    return nurse_cost(parts, rosters)
+
+
+def nurse_cost(parts, rosters):
+    cost = 0
+    for name, day, shift, weight in parts.get("SECTION_SHIFT_ON_REQUESTS", []):
+        cost += int(weight) * (rosters[name][int(day)] != shift)
+    for name, day, shift, weight in parts.get("SECTION_SHIFT_OFF_REQUESTS", []):
+        cost += int(weight) * (rosters[name][int(day)] == shift)
+    for day, shift, wanted, under, over in parts.get("SECTION_COVER", []):
+        staff = sum(roster[int(day)] == shift for roster in rosters.values())
+        cost += int(under) * max(int(wanted) - staff, 0) + int(over) * max(staff - int(wanted), 0)
+    return cost
+
+
 def rows_chosen(values, nb_rows):
     """The column chosen in each row, for a table of decisions created row by row."""
     flags = list(values.values())
@@ -343,7 +425,25 @@ def mkp(text, values):
 
 
 def scp(text, values):
-    return check_example.setcovering(text, positions(values, 1))
+    """A row that the decisions leave uncovered gets its first cheapest column."""
+    numbers, columns = [int(word) for word in text.split()], set(positions(values, 1))
+    for row, costs in covering(numbers):
+        if not columns & set(row):
+            columns.add(min(row, key=lambda column: costs[column - 1]))
+    return check_example.setcovering(text, sorted(columns))
+
+
+def covering(numbers):
+    """(columns, costs) for each row, in the layouts of check_example.setcovering."""
+    if len(numbers) == 2 + 3 * numbers[1] and max(numbers[2:]) <= numbers[0]:
+        costs = [1] * numbers[0]
+        rows = [numbers[2 + 3 * i:5 + 3 * i] for i in range(numbers[1])]
+    else:
+        try:
+            costs, rows = check_example.covering_rows(numbers)
+        except IndexError:
+            costs, rows = check_example.covering_columns(numbers)
+    return [(sorted(row), costs) for row in rows]
 
 
 def qap(text, values):
@@ -352,16 +452,31 @@ def qap(text, values):
 
 
 def coloring(text, values):
-    return check_example.graphcolouring(text, rows_chosen(values, edges_of(text)[0]))
+    colours = values if isinstance(values, list) else rows_chosen(values, edges_of(text)[0])
+    return check_example.graphcolouring(text, colours)
 
 
 def ufl(text, values):
     return check_example.facilitylocation(text, positions(values, 0))
 
 
+def tsp(text, values):
+    keys = dict(check_example.header(line) for line in text.splitlines())
+    return check_example.travellingsalesman(text, rows_chosen(values, int(keys["DIMENSION"])))
+
+
+def carseq(text, values):
+    first = next(line for line in text.splitlines() if line.strip() and not line.startswith("%"))
+    return check_example.carsequencing(text, rows_chosen(values, int(first.split()[0])))
+
+
+def binpacking(text, values):
+    return check_example.binpacking(text, rows_chosen(values, int(text.split(None, 1)[0])))
+
+
 FAMILIES = {f.__name__: f for f in
-            (gap, sscfl, pmed, mip01, clique, maxcut, qubo, qkp, maxsat, steelmill, golfers, mkp,
-             scp, qap, coloring, ufl)}
+            (gap, sscfl, pmed, mip01, clique, maxcut, qubo, qkp, maxsat, steelmill, golfers,
+             nurse, mkp, scp, qap, coloring, ufl, tsp, carseq, binpacking)}
 FAMILIES.update(scp_rail=scp, scp_sts=scp)
 
 
