@@ -98,7 +98,8 @@ public:
 
   DagFixedFields();
 
-  /// Appends a node over existing operands and returns its number.
+  /// Appends a node over existing operands and returns its number. Fails when the graph has more
+  /// nodes, operands or scalars than 32 bits can number.
   std::uint32_t addNode(NodeType type, std::span<const std::uint32_t> nodeOperands,
                         std::span<const OXValue> nodeScalars);
   std::uint32_t addNode(NodeType type, std::initializer_list<std::uint32_t> nodeOperands = {},
@@ -148,6 +149,7 @@ public:
   bool isConstraint(std::uint32_t id) const { return posInConstraints[id] != kNone; }
 
 private:
+  void checkRoom(std::size_t nbNewOperands, std::size_t nbNewScalars) const;
   void countTypes();
   void initPosInConstraints();
   void invertOperands();
@@ -160,6 +162,7 @@ private:
   std::uint32_t appendGroup(Predicate belongs);
   void computeLevels();
   void sortParentsByLevel();
+  void sortParents(std::uint32_t id);
   void layOutQueues();
   void linkNodes();
   std::uint32_t queueOf(std::uint32_t id) const;

@@ -27,12 +27,23 @@ DagFixedFields::DagFixedFields() : scalarOffsets(1, 0), operandOffsets(1, 0) {}
 
 std::uint32_t DagFixedFields::addNode(NodeType type, std::span<const std::uint32_t> nodeOperands,
                                       std::span<const OXValue> nodeScalars) {
+  checkRoom(nodeOperands.size(), nodeScalars.size());
   types.push_back(type);
   operands.insert(operands.end(), nodeOperands.begin(), nodeOperands.end());
   scalars.insert(scalars.end(), nodeScalars.begin(), nodeScalars.end());
   operandOffsets.push_back(size32(operands.size()));
   scalarOffsets.push_back(size32(scalars.size()));
   return nbNodes++;
+}
+
+// A small model may stand for a graph of any size: scalar products of long arrays that they share.
+void DagFixedFields::checkRoom(std::size_t nbNewOperands, std::size_t nbNewScalars) const {
+  if (types.size() < kNone && nbNewOperands <= kNone - operands.size() &&
+      nbNewScalars <= kNone - scalars.size()) {
+    return;
+  }
+  fail(kInternal, OMBRIX_HERE("DagFixedFields::addNode"),
+       "The model is too large : its graph has more than 4294967295 nodes, operands or scalars.");
 }
 
 void DagFixedFields::addObjective(std::uint32_t node, std::uint32_t direction) {
@@ -215,24 +226,34 @@ void DagFixedFields::computeLevels() {
   }
 }
 
+void DagFixedFields::sortParentsByLevel() {
+  for (std::uint32_t id = 0; id < nbNodes; ++id) sortParents(id);
+}
+
 // The exchanges fix the order of the parents within a level, and with it the order in which a
 // change reaches them. Nodes that nothing depends on come last; the last column counts them too.
-void DagFixedFields::sortParentsByLevel() {
+// Levels that no parent has are passed over: their ends are those of the level before.
+void DagFixedFields::sortParents(std::uint32_t id) {
   const std::uint32_t nbLevels = nbObjectives();
-  for (std::uint32_t id = 0; id < nbNodes; ++id) {
-    std::uint32_t* row = parentEnds.data() + static_cast<std::size_t>(id) * (nbLevels + 1);
-    std::uint32_t* nodeParents = parents.data() + parentOffsets[id];
-    std::uint32_t* positions = parentPositions.data() + parentOffsets[id];
-    std::uint32_t boundary = 0;
-    for (std::uint32_t level = 0; level <= nbLevels; ++level) {
-      for (std::uint32_t i = boundary; i < row[nbLevels]; ++i) {
-        if (levels[nodeParents[i]] != level) continue;
+  std::uint32_t* ends = parentEnds.data() + static_cast<std::size_t>(id) * (nbLevels + 1);
+  std::uint32_t* nodeParents = parents.data() + parentOffsets[id];
+  std::uint32_t* positions = parentPositions.data() + parentOffsets[id];
+  std::uint32_t boundary = 0;
+  std::uint32_t level = 0;
+  while (level <= nbLevels) {
+    std::uint32_t nextLevel = nbLevels + 1;
+    for (std::uint32_t i = boundary; i < ends[nbLevels]; ++i) {
+      if (levels[nodeParents[i]] == level) {
         std::swap(nodeParents[i], nodeParents[boundary]);
         std::swap(positions[i], positions[boundary]);
         ++boundary;
+      } else {
+        nextLevel = std::min(nextLevel, levels[nodeParents[i]]);
       }
-      if (level < nbLevels) row[level] = boundary;
     }
+    const std::uint32_t last = std::min(nextLevel, nbLevels);
+    if (level < last) std::fill(ends + level, ends + last, boundary);
+    level = nextLevel;
   }
 }
 

@@ -7,6 +7,7 @@
 
 #include "api/oxexception.h"
 #include "solver/kernel/nodetypeutils.h"
+#include "support/failures.h"
 #include "support/graphs.h"
 
 namespace ombrix {
@@ -179,6 +180,23 @@ TEST(DagFixedFields, parentsOfEachLevelAreASlice) {
   EXPECT_EQ(fields.parentEndsOf(constraint)[2], 0u);
 }
 
+TEST(DagFixedFields, levelsThatNoParentHasEndWhereTheLevelBeforeEnds) {
+  GraphBuilder g;
+  const auto a = g.boolean();
+  const auto b = g.boolean();
+  const auto fourth = g.node(NodeType::Not, {a});
+  const auto second = g.node(NodeType::Or, {a, b});
+  g.minimise(g.node(NodeType::Not, {b}));
+  g.minimise(second);
+  g.minimise(g.node(NodeType::Not, {b}));
+  g.minimise(fourth);
+  g.minimise(g.node(NodeType::Not, {b}));
+  const DagFixedFields& fields = g.finish();
+  EXPECT_THAT(parentsOf(fields, a), ElementsAre(second, fourth));
+  EXPECT_THAT(std::vector(fields.parentEndsOf(a), fields.parentEndsOf(a) + 6),
+              ElementsAre(0, 0, 1, 1, 2, 2));
+}
+
 // The order within a level is that of the exchanges: here the third parent is pulled to the front
 // in exchange for the first.
 TEST(DagFixedFields, parentsAreSortedByExchanges) {
@@ -223,6 +241,21 @@ TEST(DagFixedFields, posInConstraintsIsTheIndexOrNone) {
   EXPECT_THAT(
       std::vector(g.finish().posInConstraints.begin(), g.finish().posInConstraints.begin() + 3),
       ElementsAre(1, kNone, 0));
+}
+
+// The operands are counted before any of them is read.
+TEST(DagFixedFields, moreThanThirtyTwoBitsCanNumberFails) {
+  DagFixedFields fields;
+  const auto x = fields.addNode(NodeType::Boolean);
+  const std::size_t tooMany = std::size_t{kNone} + 1;
+  const OXValue one = OXValue::ofInt(1);
+  const std::string text =
+      "The model is too large : its graph has more than 4294967295 nodes, operands or scalars.";
+  test::expectFailure(6, "DagFixedFields::addNode", text,
+                      [&] { fields.addNode(NodeType::Sum, std::span(&x, tooMany), {}); });
+  test::expectFailure(6, "DagFixedFields::addNode", text,
+                      [&] { fields.addNode(NodeType::ConstArray, {}, std::span(&one, tooMany)); });
+  EXPECT_EQ(fields.nbNodes, 1u);
 }
 
 TEST(DagFixedFields, unknownTypeFails) {
