@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <new>
 #include <system_error>
 #include <utility>
 
@@ -68,6 +69,8 @@ void loadEnvironmentFile(const std::string& fileName, Ombrix& solver) {
     solver.loadEnvironment(fileName);
   } catch (const OXException& failure) {
     throw InputError(told(fileName, failure));
+  } catch (const std::bad_alloc&) {
+    throw InputError(fileName + ": out of memory: the model needs more than this process may use");
   }
 }
 

@@ -1,6 +1,9 @@
 #include "cli/signalstopper.h"
 
 #include <ctime>
+#include <system_error>
+
+#include "cli/inputerror.h"
 
 namespace ombrix::cli {
 namespace {
@@ -16,7 +19,12 @@ SignalStopper::SignalStopper(Ombrix& stopped) : solver(stopped) {
   sigaddset(&signals, SIGINT);
   sigaddset(&signals, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &signals, &previousMask);
-  watcher = std::thread([this] { watch(); });
+  try {
+    watcher = std::thread([this] { watch(); });
+  } catch (const std::system_error& refusal) {
+    pthread_sigmask(SIG_SETMASK, &previousMask, nullptr);
+    throw InputError("cannot start a thread: " + refusal.code().message());
+  }
 }
 
 SignalStopper::~SignalStopper() {

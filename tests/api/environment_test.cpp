@@ -10,6 +10,7 @@
 #include "support/environments.h"
 #include "support/failures.h"
 #include "support/solvermodels.h"
+#include "support/swappedlocale.h"
 #include "support/tokenfiles.h"
 
 namespace ombrix {
@@ -42,6 +43,27 @@ TEST(EnvironmentTest, RandomEnvironmentsComeBackTheSame) {
     const TemporaryFile again("", extension);
     copy->saveEnvironment(again.path());
     EXPECT_EQ(test::inflatedBytesOf(again.path()), test::inflatedBytesOf(file.path()));
+  }
+}
+
+TEST(EnvironmentTest, FilesDoNotDependOnTheLocaleOfTheHost) {
+  for (const std::string& extension : kExtensions) {
+    Ombrix solver;
+    const test::RandomEnvironment random(solver, 3, extension.starts_with(".oxm"));
+    test::closeAndSetUp(solver);
+    const TemporaryFile file("", extension);
+    solver.saveEnvironment(file.path());
+    const std::string description = describe(solver);
+
+    const TemporaryFile again("", extension);
+    std::unique_ptr<Ombrix> copy;
+    {
+      const test::SwappedLocale swapped;
+      copy = loaded(file.path());
+      copy->saveEnvironment(again.path());
+    }
+    EXPECT_EQ(describe(*copy), description) << extension;
+    EXPECT_EQ(test::inflatedBytesOf(again.path()), test::inflatedBytesOf(file.path())) << extension;
   }
 }
 

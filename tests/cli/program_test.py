@@ -7,7 +7,9 @@ import gzip
 import io
 import json
 import os
+import random
 import re
+import resource
 import signal
 import subprocess
 import sys
@@ -462,6 +464,69 @@ class Environments(ProgramTest):
             self.assert_failure(result, form + ": cannot be written: only part of it arrived")
             self.assertEqual(self.read(form), before)
         self.assertEqual(sorted(os.listdir(self.folder)), sorted(self.FORMS + ("model.opb",)))
+
+    def test_a_kill_never_replaces_a_file_by_half_of_another(self):
+        terms = " ".join("+1 x%d" % i for i in range(1, 20001))
+        wide = self.model("min: %s ;\n%s >= 1 ;\n" % (terms, terms), "wide.opb")
+        whole = {}
+        for form in self.FORMS:
+            started = time.monotonic()
+            self.assert_good(self.run_program("convert", wide, form))
+            whole[form] = self.read(form), time.monotonic() - started
+        draw = random.Random(1)
+        for turn in range(24):
+            form = self.FORMS[turn % len(self.FORMS)]
+            new, seconds = whole[form]
+            with open(self.path(form), "wb") as stream:
+                stream.write(b"old")
+            converting = subprocess.Popen([PROGRAM, "convert", wide, form], cwd=self.folder)
+            time.sleep(draw.uniform(0, 1.2 * seconds))
+            converting.kill()
+            converting.wait()
+            # The date in a gzip header is 0: the bytes of a form are always the same.
+            self.assertIn(self.read(form), (b"old", new))
+
+    def run_with_memory(self, megabytes, *arguments):
+        return subprocess.run(
+            [PROGRAM, *arguments], capture_output=True, text=True, cwd=self.folder, check=False,
+            preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (megabytes << 20,) * 2))
+
+    def test_too_little_memory_is_told_and_leaves_the_old_file(self):
+        if self.run_with_memory(200, "--version").returncode != 0:
+            self.skipTest("this build needs address space for its own checks")
+        # Scalar products that share their arrays: a small file, a large graph.
+        n = 1500
+        kinds = ['"bool"'] * n + ['"const","value"=%d' % i for i in range(2, n + 2)]
+        kinds += ['"array"'] * 2 + ['"scalar"'] * n + ['"sum"']
+        operands = [[]] * (2 * n) + [range(n), range(n, 2 * n)]
+        operands += [(2 * n, 2 * n + 1)] * n + [range(2 * n + 2, 3 * n + 2)]
+        with open(self.path("dense.oxm"), "w", encoding="ascii") as stream:
+            stream.write('<OXM01>{"expressions"={%s},"operands"={%s},"objectives"={{"idx"=%d}}}' % (
+                ",".join('{"type"=%s}' % kind for kind in kinds),
+                ",".join("{%s}" % ",".join(map(str, items)) for items in operands), 3 * n + 2))
+        with open(self.path("m.oxb"), "w", encoding="ascii") as stream:
+            stream.write("old")
+        for megabytes in (16, 24, 32, 48, 64):
+            for command in (("info", "dense.oxm"), ("show", "dense.oxm"),
+                            ("convert", "dense.oxm", "m.oxb"),
+                            ("solve", "dense.oxm", "--iterations", "9", "--save", "m.oxb")):
+                result = self.run_with_memory(megabytes, *command)
+                self.assert_failure(result, "dense.oxm: out of memory: the model needs more")
+        self.assertEqual(self.read("m.oxb"), b"old")
+        self.assertEqual(sorted(os.listdir(self.folder)), ["dense.oxm", "m.oxb"])
+
+    def test_too_little_memory_for_the_search_is_told(self):
+        if self.run_with_memory(200, "--version").returncode != 0:
+            self.skipTest("this build needs address space for its own checks")
+        name = self.model(COVER)
+        self.assert_good(self.run_program("convert", name, "m.oxb"))
+        for megabytes in range(14, 60, 2):
+            for source in (name, "m.oxb"):
+                result = self.run_with_memory(
+                    megabytes, "solve", source, "--iterations", "9", "--threads", "4")
+                if result.returncode != 0:
+                    self.assert_failure(result)
+                    self.assertRegex(result.stderr, "out of memory|annot start ")
 
     def test_places_that_cannot_be_written_are_told_before_the_work(self):
         name = self.model(COVER)

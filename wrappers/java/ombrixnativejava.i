@@ -274,6 +274,22 @@ import java.lang.ref.Cleaner;
     handle = CLEANER.register(this, new Handle(address));
   }
 
+  /**
+   * A new solver that holds the environment of a file: the model, closed, with its phases and
+   * parameters, and the saved decisions as the starting point of the next search. When the load
+   * fails the new solver is deleted, and the OXException tells what is wrong with the file.
+   */
+  public static Ombrix fromEnvironment(String fileName) {
+    Ombrix loaded = new Ombrix();
+    try {
+      loaded.loadEnvironment(fileName);
+    } catch (RuntimeException | Error failure) {
+      loaded.delete();
+      throw failure;
+    }
+    return loaded;
+  }
+
   static long getCPtr(Ombrix object) {
     if (object == null) {
       return 0;
@@ -354,6 +370,18 @@ import java.lang.ref.Cleaner;
       return $javaclassname.swigToEnum($jnicall);
     }
   }
+
+%javamethodmodifiers ombrix::Ombrix::saveEnvironment "/**
+   * Writes model, phases, parameters and solution to a file: binary if its name ends with .oxb or
+   * .oxb.gz, text otherwise, compressed if it ends with .gz. Prefer binary, which keeps everything.
+   */
+  public"
+%javamethodmodifiers ombrix::Ombrix::loadEnvironment "/**
+   * Reads what {@link #saveEnvironment} wrote into this solver, whose model must be empty, and closes
+   * the model. A load that fails leaves what was read so far, and this solver can only be deleted
+   * then: {@link #fromEnvironment} loads into a new one and does so.
+   */
+  public"
 
 namespace ombrix {
 

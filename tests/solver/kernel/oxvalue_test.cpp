@@ -4,9 +4,9 @@
 
 #include <cmath>
 #include <limits>
-#include <locale>
 
 #include "support/failures.h"
+#include "support/swappedlocale.h"
 
 namespace ombrix {
 namespace {
@@ -119,22 +119,12 @@ TEST(CastToOxDouble, RefusesEverythingElse) {
   expectNoDouble(std::string("1.5\0", 4));
 }
 
-/// A locale whose decimal point and thousands separator are swapped.
-class SwappedPunctuation : public std::numpunct<char> {
-protected:
-  char do_decimal_point() const override { return ','; }
-  char do_thousands_sep() const override { return '.'; }
-  std::string do_grouping() const override { return "\3"; }
-};
-
 TEST(Cast, DoesNotDependOnTheLocaleOfTheHost) {
-  const std::locale before =
-      std::locale::global(std::locale(std::locale::classic(), new SwappedPunctuation));
+  const test::SwappedLocale swapped;
   EXPECT_EQ(castToOxDouble("1234.5"), 1234.5);
   EXPECT_EQ(castToOxInt("1234567"), 1234567);
   expectNoInt("1.234");
   expectNoDouble("1,5");
-  std::locale::global(before);
 }
 
 }  // namespace
