@@ -179,9 +179,10 @@ void DagFixedFields::computeDomains() {
 void DagFixedFields::computeBounds() {
   minValues.resize(nbNodes, OXValue::ofInt(0));
   maxValues.resize(nbNodes, OXValue::ofInt(0));
+  NodeTypeUtils::KnownHulls hulls;
   for (const auto& nodes : nodesByRank) {
     for (std::uint32_t id : nodes) {
-      NodeTypeUtils::computeBounds(*this, id, minValues[id], maxValues[id]);
+      NodeTypeUtils::computeBounds(*this, id, hulls, minValues[id], maxValues[id]);
     }
   }
 }

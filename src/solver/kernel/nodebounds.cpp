@@ -30,6 +30,7 @@ public:
 
   std::uint32_t nbOperands() const { return fields.nbOperands(id); }
   NodeType type() const { return fields.types[id]; }
+  std::uint32_t number() const { return id; }
 
   IntInterval intAt(std::uint32_t position) const { return intOf(fields.operand(id, position)); }
   /// An operand of another domain is converted.
@@ -214,19 +215,19 @@ Interval ifBounds(IntInterval condition, Interval chosen, Interval other) {
   return hull(chosen, other);
 }
 
-IntInterval intElement(const Reader& array, std::uint32_t i) {
+IntInterval elementOf(const Reader& array, std::uint32_t i, IntInterval) {
   if (array.type() != NodeType::ConstArray) return array.intAt(i);
   return {array.scalar(i).intValue, array.scalar(i).intValue};
 }
 
-DoubleInterval doubleElement(const Reader& array, std::uint32_t i) {
+DoubleInterval elementOf(const Reader& array, std::uint32_t i, DoubleInterval) {
   if (array.type() != NodeType::ConstArray) return array.doubleAt(i);
   return {array.scalar(i).doubleValue, array.scalar(i).doubleValue};
 }
 
 /// The hull of the elements that the index can choose; everything when it can choose none.
-template <typename Interval, typename Element>
-Interval elementsBounds(const Reader& node, Interval everything, Element element) {
+template <typename Interval>
+Interval elementsBounds(const Reader& node, Interval everything, RangeHulls<Interval>& hulls) {
   const Reader array = node.operand(0);
   const IntInterval index = node.intAt(1);
   const std::int64_t nbElements =
@@ -234,11 +235,9 @@ Interval elementsBounds(const Reader& node, Interval everything, Element element
   const std::int64_t first = std::max<std::int64_t>(index.low, 0);
   const std::int64_t last = std::min(index.high, nbElements - 1);
   if (first > last) return everything;
-  Interval result = element(array, static_cast<std::uint32_t>(first));
-  for (std::int64_t i = first + 1; i <= last; ++i) {
-    result = hull(result, element(array, static_cast<std::uint32_t>(i)));
-  }
-  return result;
+  return hulls.of(array.number(), first, last + 1, [&](std::int64_t i) {
+    return elementOf(array, static_cast<std::uint32_t>(i), everything);
+  });
 }
 
 // ---- functions of one double, and comparisons
@@ -290,7 +289,7 @@ DoubleInterval floatBounds(const Reader& node) {
 }
 
 /// Types of domain 0 and 1.
-IntInterval intBounds(const Reader& node, const Where& where) {
+IntInterval intBounds(const Reader& node, RangeHulls<IntInterval>& hulls, const Where& where) {
   switch (node.type()) {
     case NodeType::Boolean:
       return {0, 1};
@@ -332,7 +331,7 @@ IntInterval intBounds(const Reader& node, const Where& where) {
     case NodeType::If:
       return ifBounds(node.intAt(0), node.intAt(1), node.intAt(2));
     case NodeType::At:
-      return elementsBounds(node, kAllIntegers, intElement);
+      return elementsBounds(node, kAllIntegers, hulls);
     case NodeType::DoubleCeil:
       return ceilInterval(node.doubleAt(0));
     case NodeType::DoubleFloor:
@@ -352,7 +351,8 @@ IntInterval intBounds(const Reader& node, const Where& where) {
 }
 
 /// Types of domain 2.
-DoubleInterval doubleBounds(const Reader& node, const Where& where) {
+DoubleInterval doubleBounds(const Reader& node, RangeHulls<DoubleInterval>& hulls,
+                            const Where& where) {
   switch (node.type()) {
     case NodeType::Float:
       return floatBounds(node);
@@ -380,7 +380,7 @@ DoubleInterval doubleBounds(const Reader& node, const Where& where) {
     case NodeType::DoubleIf:
       return ifBounds(node.intAt(0), node.doubleAt(1), node.doubleAt(2));
     case NodeType::DoubleAt:
-      return elementsBounds(node, kAllDoubles, doubleElement);
+      return elementsBounds(node, kAllDoubles, hulls);
     case NodeType::DoubleSqrt:
       return sqrtInterval(node.doubleAt(0));
     case NodeType::DoubleLog:
@@ -398,8 +398,8 @@ DoubleInterval doubleBounds(const Reader& node, const Where& where) {
 
 }  // namespace
 
-void NodeTypeUtils::computeBounds(const DagFixedFields& fields, std::uint32_t id, OXValue& min,
-                                  OXValue& max) {
+void NodeTypeUtils::computeBounds(const DagFixedFields& fields, std::uint32_t id, KnownHulls& hulls,
+                                  OXValue& min, OXValue& max) {
   const Where where = OMBRIX_HERE("NodeTypeUtils::computeBounds");
   const NodeType type = fields.types[id];
   checkType(type, where);
@@ -408,13 +408,13 @@ void NodeTypeUtils::computeBounds(const DagFixedFields& fields, std::uint32_t id
     case kArrayDomain:
       break;
     case kDoubleDomain: {
-      const DoubleInterval bounds = widened(doubleBounds(node, where));
+      const DoubleInterval bounds = widened(doubleBounds(node, hulls.doubles, where));
       min = OXValue::ofDouble(bounds.low);
       max = OXValue::ofDouble(bounds.high);
       break;
     }
     default: {
-      const IntInterval bounds = intBounds(node, where);
+      const IntInterval bounds = intBounds(node, hulls.ints, where);
       min = OXValue::ofInt(bounds.low);
       max = OXValue::ofInt(bounds.high);
     }
