@@ -26,7 +26,7 @@ public:
     printConstraints();
     printObjectives();
     printPhases();
-    std::cout << solver.getParam()->toString();
+    printParameters();
     printSolution();
   }
 
@@ -64,6 +64,22 @@ private:
     begin("Phases");
     for (int i = 0; i < solver.getNbPhases(); ++i) {
       item([&] { return solver.getPhase(i)->toString(); });
+    }
+    end();
+  }
+
+  /// The library lists the bounds of all objectives among the parameters.
+  void printParameters() {
+    std::istringstream text(solver.getParam()->toString());
+    nbItems = 0;
+    for (std::string line; std::getline(text, line);) {
+      if (!line.starts_with("  Obj ")) {
+        end();
+        nbItems = 0;
+        std::cout << line << "\n";
+      } else if (nbItems++ < limit) {
+        std::cout << line << "\n";
+      }
     }
     end();
   }

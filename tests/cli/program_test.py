@@ -431,6 +431,15 @@ class Environments(ProgramTest):
         self.assertIn("Constraints:\n  #5 = x1 + ... 1 more >= ... 1 more\n  ... 1 more\n", shown)
         self.assertTrue(shown.endswith("Decisions:\n  x1 = 0\n  ... 2 more\n"), shown)
 
+    def test_show_cuts_the_bounds_of_objectives_at_the_limit(self):
+        with open(self.path("three.oxm"), "w", encoding="ascii") as stream:
+            stream.write('<OXM01>{"expressions"={{"type"="bool"},{"type"="bool"},{"type"="bool"}},'
+                         '"objectives"={{"idx"=0},{"idx"=1},{"idx"=2}}}')
+        whole = self.assert_good(self.run_program("show", "three.oxm"))
+        self.assertIn("  Obj 1: minimize, no bound\n  Obj 2: minimize, no bound\n", whole)
+        cut = self.assert_good(self.run_program("show", "three.oxm", "--limit", "1"))
+        self.assertIn("\nObjectives:\n  Obj 0: minimize, no bound\n  ... 2 more\nSolution:\n", cut)
+
     def test_a_text_file_that_cannot_be_read_back_is_warned_of(self):
         # Two infinite bounds in a row, of which the first gets no comma.
         with open(self.path("two.oxm"), "w", encoding="ascii", newline="") as stream:
