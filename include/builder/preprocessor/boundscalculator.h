@@ -2,6 +2,7 @@
 #define OMBRIX_BUILDER_PREPROCESSOR_BOUNDSCALCULATOR_H
 
 #include "builder/preprocessor/preprocessor.h"
+#include "solver/kernel/rangehulls.h"
 
 namespace ombrix {
 
@@ -46,6 +47,9 @@ private:
   void tanBounds(Index e);
 
   Preprocessor* preprocessor;
+  RangeHulls<IntInterval>
+      intHulls;  ///< of the arrays under "at": their elements are visited before
+  RangeHulls<DoubleInterval> doubleHulls;
 };
 
 }  // namespace ombrix

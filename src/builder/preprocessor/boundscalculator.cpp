@@ -87,11 +87,11 @@ auto selectedOf(const Reader& bounds, Index e, IntInterval condition) {
   return hull(bounds.operand(e, 1), bounds.operand(e, 2));
 }
 
-template <typename Reader>
-auto hullOfElements(const Reader& bounds, Index array, Index first, Index end) {
-  auto result = bounds.operand(array, first);
-  for (Index i = first + 1; i < end; ++i) result = hull(result, bounds.operand(array, i));
-  return result;
+template <typename Reader, typename Interval>
+Interval hullOfElements(const Reader& bounds, RangeHulls<Interval>& hulls, Index array, Index first,
+                        Index end) {
+  return hulls.of(static_cast<std::size_t>(array), first, end,
+                  [&](std::int64_t i) { return bounds.operand(array, static_cast<Index>(i)); });
 }
 
 /// What the intervals of both operands tell about a comparison, in the arithmetic of the reader.
@@ -351,10 +351,10 @@ void BoundsCalculator::atBounds(Index e) {
   if (preprocessor->isDouble(e)) {
     const Index end = std::min(last + 1, preprocessor->nbOperands(array));
     preprocessor->intersectDoubleBounds(
-        e, hullOfElements(DoubleReader{*preprocessor}, array, first, end));
+        e, hullOfElements(DoubleReader{*preprocessor}, doubleHulls, array, first, end));
   } else {
-    preprocessor->intersectIntBounds(e,
-                                     hullOfElements(IntReader{*preprocessor}, array, first, last));
+    preprocessor->intersectIntBounds(
+        e, hullOfElements(IntReader{*preprocessor}, intHulls, array, first, last));
   }
 }
 
