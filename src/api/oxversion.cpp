@@ -1,5 +1,6 @@
 #include "api/oxversion.h"
 
+#include <locale>
 #include <sstream>
 
 namespace ombrix {
@@ -35,6 +36,7 @@ std::string OXVersion::getPlatform() {
 
 std::string OXVersion::getVersion() {
   std::ostringstream text;
+  text.imbue(std::locale::classic());  // environment files hold it: it is the same on every host
   text << kMajor << "." << kMinor << "." << kBuildDate << "-" << kPlatform;
   return text.str();
 }
@@ -46,6 +48,7 @@ std::string OXVersion::getCopyright() {
 
 std::string OXVersion::getInfo() {
   std::ostringstream text;
+  text.imbue(std::locale::classic());
   text << "Ombrix " << kMajor << "." << kMinor << " (" << kPlatform << ", build " << kBuildDate
        << ")\n"
        << getCopyright() << "\n";
