@@ -66,6 +66,7 @@ private:
   void runPhase(ThreadPool<RunningHeuristic>& pool, std::uint32_t index);
   void prepareWorker(Worker& worker, std::uint32_t index, std::uint32_t timeLimit,
                      std::uint64_t iterationLimit);
+  void setActiveLevel(Heuristic& heuristic) const;
   void resetPhase();
   void runSlice(ThreadPool<RunningHeuristic>& pool);
   void fire(std::int32_t event) const;

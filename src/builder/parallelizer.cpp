@@ -246,6 +246,13 @@ void Parallelizer::prepareWorker(Worker& worker, std::uint32_t index, std::uint3
   heuristic.listener = SolverRecord::searchListener(*solver);
   heuristic.objectiveIndex = static_cast<std::uint32_t>(
       SolverRecord::optimizedObjective(*SolverRecord::phases(*solver)[index]));
+  setActiveLevel(heuristic);
+  heuristic.timeLimit = timeLimit;
+  heuristic.iterationLimit = iterationLimit;
+}
+
+/// As long as its solution is infeasible, a worker does not pay for the objectives.
+void Parallelizer::setActiveLevel(Heuristic& heuristic) const {
   Propagation& propagation = heuristic.dag->propagation;
   if (propagation.infeasibility.nbViolated >= 1) {
     propagation.activeLevel = 0;
@@ -254,8 +261,6 @@ void Parallelizer::prepareWorker(Worker& worker, std::uint32_t index, std::uint3
     if (level > propagation.activeLevel) propagation.synchronize(*heuristic.dag);
     propagation.activeLevel = level;
   }
-  heuristic.timeLimit = timeLimit;
-  heuristic.iterationLimit = iterationLimit;
 }
 
 /// A stop ends the phase that runs when it comes, and no other: the flag starts clear in each.
@@ -297,6 +302,9 @@ void Parallelizer::synchronize() {
 void Parallelizer::adopt(Heuristic& target, const Heuristic& best) const {
   clearErrorNumber();
   best.bestSolution.restore(*target.dag);
+  // A worker that was infeasible has all constraints active at once and no move of its own that
+  // made it feasible: without this it would never look at an objective and take every move.
+  setActiveLevel(target);
   target.bestIteration = target.nbIterations;
   target.bestTime = clockSeconds() - target.startTime;
   target.bestSolution.save();

@@ -344,6 +344,43 @@ TEST_F(ParallelizerTest, AnInfeasibleWorkerFollowsTheConstraintsOnly) {
   EXPECT_EQ(search->getBestHeuristic().bestSolution.nbViolatedEqualities, 1);
 }
 
+TEST_F(ParallelizerTest, AWorkerThatIsGivenAFeasibleSolutionFollowsTheObjectives) {
+  OXModel& model = *solver.getModel();
+  const std::vector<OXExpression*> x = test::createDecisions(model, 40);
+  model.addConstraint(
+      model.createExpression(OXOperator::Eq, test::createSum(model, x), model.createConstant(20)));
+  model.addObjective(x[0], OXObjectiveDirection::Maximize);
+  solver.getParam()->setAdvancedParam("greedyEnabled", 0);
+  close(2);
+  addPhase(1);  // one move does not make the second worker feasible
+  createParallelizer();
+  bool wasInfeasible = false;
+  onEvent = [&](std::int32_t event) {
+    Dag& dag = *heuristic(0).dag;
+    Propagation& first = dag.propagation;
+    Propagation& second = heuristic(1).dag->propagation;
+    if (event == kPhaseStart) {
+      for (std::uint32_t i = 0; i < 20; ++i) {
+        first.setValue(dag, dag.fixedFields->nodesByGroup[i], std::int64_t{1});
+      }
+      first.accept(dag);
+      first.synchronize(dag);
+      first.activateAllConstraints();
+      first.activeLevel = 1;
+      heuristic(0).bestSolution.save();
+      wasInfeasible = second.infeasibility.nbViolated > 0 && second.activeLevel == 0;
+    }
+    if (event == kSync) {
+      EXPECT_EQ(second.infeasibility.nbViolated, 0);
+      EXPECT_TRUE(second.activeConstraints.isFull());
+      EXPECT_EQ(second.activeLevel, 1u);
+    }
+  };
+  run();
+  EXPECT_TRUE(wasInfeasible);
+  EXPECT_EQ(untimedEvents(), (std::vector<std::int32_t>{kPhaseStart, kSync, kPhaseEnd}));
+}
+
 TEST_F(ParallelizerTest, TheGreedyPassRunsOnInfeasibleWorkersAndLeavesThemFeasible) {
   test::buildCovering(*solver.getModel(), 50);
   close(2);
