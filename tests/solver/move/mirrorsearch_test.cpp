@@ -11,6 +11,8 @@
 #include "solver/move/movekcycle.h"
 #include "solver/move/movekmirror.h"
 #include "solver/move/movekswap.h"
+#include "solver/move/movesequence.h"
+#include "solver/move/movesetpartition.h"
 #include "solver/move/movesimplekflip.h"
 #include "tests/solver/move/randomplan.h"
 
@@ -52,6 +54,8 @@ void addOthers(Heuristic& heuristic, test::PlanGraph& graph, BasicMoveStructure&
   pool.addMove(std::make_unique<MoveKSwap>(*graph.dag, graph.rng, 2, 2, 50, lists));
   pool.addMove(std::make_unique<MoveKCycle>(*graph.dag, graph.rng, 4, 2, 50, lists));
   pool.addMove(std::make_unique<MoveKMirror>(*graph.dag, graph.rng, 3, 2, 2, 50, lists));
+  pool.addMove(std::make_unique<MoveSequence>(*graph.dag, graph.rng, 3, 1, 50, heuristic, lists));
+  pool.addMove(std::make_unique<MoveSetPartition>(*graph.dag, graph.rng, lists));
 }
 
 /// A search over a graph, watched all the way. Returns the names of the moves that were accepted.
