@@ -112,6 +112,30 @@ TEST_F(SolveTest, FindsAFeasibleSolutionWithoutTheGreedyPassToo) {
   EXPECT_EQ(status(), OXSolutionStatus::Feasible);
 }
 
+TEST_F(SolveTest, NeverEvaluatesAnObjectiveWhereItsConstraintsDoNotHold) {
+  OXModel& model = *solver.getModel();
+  constexpr int kSize = 12;
+  OXExpression* prices = model.createExpression(OXOperator::Array);
+  for (int i = 0; i < kSize; ++i) prices->addOperand((i * 5) % 7);
+  OXExpression* cost = model.createExpression(OXOperator::Sum);
+  for (int row = 0; row < kSize; ++row) {
+    // Two decisions at 1 would lead the index out of the array.
+    const auto choice = test::createDecisions(model, kSize);
+    model.addConstraint(model.createExpression(OXOperator::Eq, test::createSum(model, choice),
+                                               model.createConstant(1)));
+    OXExpression* index = model.createExpression(OXOperator::Sum);
+    for (int i = 0; i < kSize; ++i) {
+      index->addOperand(model.createExpression(OXOperator::Prod, model.createConstant(i),
+                                               choice[static_cast<std::size_t>(i)]));
+    }
+    cost->addOperand(model.createExpression(OXOperator::At, prices, index));
+  }
+  model.addObjective(cost, OXObjectiveDirection::Maximize);
+  close();
+  EXPECT_NO_THROW(solveFor(50000));
+  EXPECT_EQ(solver.getSolution()->getStatus(), OXSolutionStatus::Optimal);
+}
+
 TEST_F(SolveTest, TellsAnInfeasibleResult) {
   test::buildOddCycle(*solver.getModel());
   close();

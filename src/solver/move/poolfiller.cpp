@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "solver/kernel/evaluationrisk.h"
 #include "solver/move/basicmovefactory.h"
 #include "solver/move/movebinpacking.h"
 #include "solver/move/moveejectionchain.h"
@@ -106,9 +107,14 @@ private:
   }
 
   void addSequences() {
-    add<MoveSequence>(2u, 0u, rate, heuristic, structure);
-    add<MoveSequence>(3u, 1u, rate, heuristic, structure);
-    add<MoveSequence>(4u, 2u, rate, heuristic, structure);
+    // Where the constraints are all that keeps an evaluation from failing, they stay active.
+    const bool keepConstraintsOff = !canEvaluationFail(fields);
+    for (const auto& [nbSteps, freeLevel] : {std::pair{2u, 0u}, {3u, 1u}, {4u, 2u}}) {
+      auto move =
+          std::make_unique<MoveSequence>(dag, rng, nbSteps, freeLevel, rate, heuristic, structure);
+      move->keepConstraintsOff = keepConstraintsOff;
+      pool.addMove(std::move(move));
+    }
   }
 
   template <class M>

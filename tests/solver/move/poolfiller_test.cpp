@@ -1,9 +1,11 @@
 #include "solver/move/poolfiller.h"
 
 #include <string>
+#include <vector>
 
 #include "common/failure.h"
 #include "solver/kernel/heuristicautoannealing.h"
+#include "solver/move/movesequence.h"
 #include "tests/support/failures.h"
 #include "tests/support/searchgraph.h"
 
@@ -249,6 +251,31 @@ TEST_F(PoolFillerTest, ATargetingRateAboveAHundredIsRefusedBySequencesToo) {
                       "Targeting rate must be smaller than 100.",
                       [&] { fill(settings, {}, true); });
 }
+
+/// An objective read from an array of the given size at a sum of five booleans.
+class GuardedSequences : public PoolFillerTest, public testing::WithParamInterface<std::size_t> {};
+
+TEST_P(GuardedSequences, KeepTheConstraintsWhereAnEvaluationMayFailWithoutThem) {
+  auto& builder = graph.builder;
+  const auto list = builder.node(NodeType::BooleanSum, builder.booleans(5));
+  builder.constraint(builder.node(NodeType::Eq, {list, builder.constant(1)}));
+  const auto array = builder.constArray(std::vector<std::int64_t>(GetParam(), 7));
+  builder.minimise(builder.node(NodeType::At, {array, list}));
+  graph.start();
+  HeuristicAutoAnnealing heuristic(*graph.dag, &graph.rng);
+  fillMovePool(heuristic, *graph.structure, {}, {}, nullptr);
+  int nbSequences = 0;
+  for (const auto& move : heuristic.movePool.moves) {
+    const auto* sequence = dynamic_cast<const MoveSequence*>(move.get());
+    if (sequence == nullptr) continue;
+    ++nbSequences;
+    EXPECT_EQ(sequence->keepConstraintsOff, GetParam() > 5);
+  }
+  EXPECT_EQ(nbSequences, 3);
+}
+
+INSTANTIATE_TEST_SUITE_P(ArrayOf, GuardedSequences, testing::Values(2, 5, 6, 9),
+                         testing::PrintToStringParamName());
 
 TEST_F(PoolFillerTest, AdvancedMovesStandBetweenTheRunsAndTheBasicOnes) {
   buildLists(0, 2);
