@@ -14,6 +14,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 import unittest
 
@@ -682,7 +683,7 @@ class Information(ProgramTest):
 
 class Signals(ProgramTest):
     def interrupted(self, number, *arguments):
-        """Starts an endless solve, sends the signal once a solution is there."""
+        """Starts an endless solve, sends the signal once moves have improved the first solution."""
         name = os.path.join(DATA, "scp200x1000.opb")
         with subprocess.Popen(
             [PROGRAM, "solve", name, "--output", "pb", *arguments],
@@ -694,11 +695,16 @@ class Signals(ProgramTest):
             lines = []
             for line in process.stdout:
                 lines.append(line)
-                if line.startswith("o "):
+                if sum(told.startswith("o ") for told in lines) == 3:
                     break
             process.send_signal(number)
             began = time.monotonic()
-            rest, errors = process.communicate(timeout=60)
+            # Not communicate, which would lose the lines that were read ahead.
+            watchdog = threading.Timer(60, process.kill)
+            watchdog.start()
+            rest, errors = process.stdout.read(), process.stderr.read()
+            process.wait()
+            watchdog.cancel()
         self.assertLess(time.monotonic() - began, 20)
         self.assertEqual(process.returncode, 0, errors)
         output = "".join(lines) + rest
