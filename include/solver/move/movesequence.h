@@ -15,8 +15,8 @@ class Heuristic;
 
 /// Strings ordinary moves together and judges only where they end. Each of them is committed before
 /// the next one is drawn, so a later step is aimed at what an earlier one broke; the constraints
-/// are inactive meanwhile, unless evaluating the graph outside of them may fail. Steps up to a level may make matters worse, the later ones must stand up
-/// to the start.
+/// are inactive meanwhile, unless evaluating the graph outside of them may fail. Steps up to a
+/// level may make matters worse, the later ones must stand up to the start.
 ///
 /// Between apply and finish the graph stands at the end of the sequence, with no move open, while
 /// the move answers with the values of the start: so it is compared like any other candidate.
