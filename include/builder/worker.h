@@ -18,7 +18,7 @@ class Ombrix;
 /// from one solve to the next; they hang on the builder of the closed model and die with it.
 ///
 /// Aligned to cache lines, since every draw of a thread writes its random state.
-struct alignas(64) Worker {
+struct alignas(kCacheLineSize) Worker {
   /// Builds everything. Fails as the kernel does when the model has no value with all decisions
   /// at 0.
   explicit Worker(Ombrix& owner);

@@ -69,7 +69,7 @@ std::int64_t cumulativeLimit(const Ombrix& solver, std::uint32_t index, std::int
 
 /// The search of one worker as a task: each call is one slice of one logical loop. As the observer
 /// of that loop it ends the slice when it is time.
-class Parallelizer::RunningHeuristic : public HeuristicCallback {
+class alignas(kCacheLineSize) Parallelizer::RunningHeuristic : public HeuristicCallback {
 public:
   RunningHeuristic(Worker& ownWorker, Parallelizer& owner)
       : worker(&ownWorker), heuristic(ownWorker.heuristic.get()), parallelizer(&owner) {

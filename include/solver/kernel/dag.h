@@ -19,7 +19,7 @@ namespace ombrix {
 /// Propagation that carries a change through the graph. The shape of the graph is
 /// kept apart in DagFixedFields, which any number of Dags share. Belongs to one thread; allocates
 /// nothing after its construction. The search reads the members directly.
-class Dag {
+class alignas(kCacheLineSize) Dag {
 public:
   /// Builds and initialises all nodes, with every decision at 0. A failure of a node's first
   /// evaluation leaves the construction, and what stood is destroyed.

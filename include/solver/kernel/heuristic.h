@@ -23,7 +23,7 @@ inline constexpr std::uint64_t kUnlimitedIterations = 9223372036854775807;
 ///
 /// Used by one thread at a time, without locks; between two runs the controlling thread reads and
 /// writes the fields directly. Nothing is allocated in an iteration.
-class Heuristic {
+class alignas(kCacheLineSize) Heuristic {
 public:
   /// Raises code 6 when the model has no objective. state is the worker's random state, shared with
   /// its moves; both arguments outlive the Heuristic.

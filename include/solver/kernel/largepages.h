@@ -13,15 +13,16 @@ namespace ombrix {
 void adviseLargePages(void* data, std::size_t bytes);
 
 /// Reserves exactly so many elements of an empty vector, on large pages if it is big.
-template <typename T>
-void reserveLarge(std::vector<T>& elements, std::size_t nbElements) {
+template <typename T, typename Allocator>
+void reserveLarge(std::vector<T, Allocator>& elements, std::size_t nbElements) {
   elements.reserve(nbElements);
   adviseLargePages(elements.data(), nbElements * sizeof(T));
 }
 
 /// Sizes an empty vector, on large pages if it is big.
-template <typename T>
-void resizeLarge(std::vector<T>& elements, std::size_t nbElements, const T& value = T()) {
+template <typename T, typename Allocator>
+void resizeLarge(std::vector<T, Allocator>& elements, std::size_t nbElements,
+                 const T& value = T()) {
   reserveLarge(elements, nbElements);
   elements.resize(nbElements, value);
 }

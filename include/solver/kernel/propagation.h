@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/kernel/daglistener.h"
 #include "solver/kernel/infeasibility.h"
 #include "solver/kernel/oxvalue.h"
@@ -30,11 +31,11 @@ class DagFixedFields;
 /// infeasibilities are equal. An active constraint has value 1 and is never violated.
 class Propagation {
 public:
-  Infeasibility tInfeasibility;                 ///< under the open move
-  Infeasibility infeasibility;                  ///< of the committed solution
-  std::uint32_t nextLevel = 0;                  ///< first level not yet evaluated in the open move
-  std::uint32_t activeLevel = 0;                ///< highest level that the search wants evaluated
-  std::vector<std::uint32_t> changedDecisions;  ///< written in the open move, in order
+  Infeasibility tInfeasibility;   ///< under the open move
+  Infeasibility infeasibility;    ///< of the committed solution
+  std::uint32_t nextLevel = 0;    ///< first level not yet evaluated in the open move
+  std::uint32_t activeLevel = 0;  ///< highest level that the search wants evaluated
+  CacheLineVector<std::uint32_t> changedDecisions;  ///< written in the open move, in order
   SparseSet activeConstraints;    ///< indices in constraints: a move that breaks one is refused
   SparseSet violatedConstraints;  ///< indices of inactive constraints with value 0
   SparseSet staleNodes;           ///< nodes whose parents above activeLevel are out of date
@@ -98,15 +99,17 @@ private:
   void updateStaleness(const Dag& dag, std::uint32_t id);
   bool tentativeWasSeen(const Dag& dag, std::uint32_t id) const;
 
-  std::vector<std::uint64_t> touched;       ///< one bit per node
-  std::vector<std::uint32_t> slots;         ///< the queues, one region after the other
-  std::vector<std::uint32_t> queueEnds;     ///< per queue: end of its entries in slots
-  std::vector<std::uint32_t> doneInRank;    ///< per rank: end of the evaluated other nodes in slots
-  std::vector<std::uint64_t> touchedRanks;  ///< one bit per rank
-  std::size_t lowestWord = 0;               ///< of touchedRanks: all others are 0
+  CacheLineVector<std::uint64_t> touched;    ///< one bit per node
+  CacheLineVector<std::uint32_t> slots;      ///< the queues, one region after the other
+  CacheLineVector<std::uint32_t> queueEnds;  ///< per queue: end of its entries in slots
+  CacheLineVector<std::uint32_t>
+      doneInRank;  ///< per rank: end of the evaluated other nodes in slots
+  CacheLineVector<std::uint64_t> touchedRanks;  ///< one bit per rank
+  std::size_t lowestWord = 0;                   ///< of touchedRanks: all others are 0
   std::size_t highestWord = 0;
-  std::vector<std::uint32_t> pending;  ///< changed nodes with parents in levels not yet evaluated
-  std::vector<std::uint32_t> nextPending;  ///< the same, being written for the next stage
+  CacheLineVector<std::uint32_t>
+      pending;  ///< changed nodes with parents in levels not yet evaluated
+  CacheLineVector<std::uint32_t> nextPending;  ///< the same, being written for the next stage
   std::uint32_t followedLevel = 0;  ///< the activeLevel to which staleNodes and staleValues refer
   std::vector<DagListener*> listeners;
 };

@@ -3,7 +3,8 @@
 
 #include <cstdint>
 #include <utility>
-#include <vector>
+
+#include "solver/kernel/cacheline.h"
 
 namespace ombrix {
 
@@ -59,8 +60,8 @@ private:
     positions[items[j]] = j;
   }
 
-  std::vector<std::uint32_t> items;
-  std::vector<std::uint32_t> positions;
+  CacheLineVector<std::uint32_t> items;
+  CacheLineVector<std::uint32_t> positions;
   std::uint32_t nbMembers = 0;
 };
 

@@ -18,7 +18,7 @@ std::string formatMoveName(std::uint32_t number, const std::string& base);
 /// counters of its kind. apply only writes tentative values; the strategies evaluate as far as they
 /// need; finish keeps or forgets. Belongs to one worker and keeps no state from one iteration to
 /// the next but counters, weight and scratch, so that apply allocates nothing once warm.
-class Move {
+class alignas(kCacheLineSize) Move {
 public:
   Move(std::string moveName, Dag& workerDag, std::uint32_t& state, std::uint32_t moveWeight = 1);
   virtual ~Move() = default;

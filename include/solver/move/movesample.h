@@ -24,7 +24,7 @@ protected:
 
   std::uint32_t k;
   std::uint32_t targetingRate;  ///< percent
-  std::vector<std::uint32_t> sample;
+  CacheLineVector<std::uint32_t> sample;
 
 private:
   DistinctSampler sampler;

@@ -125,7 +125,7 @@ MoveStatus MoveSequence::judge(bool& isBetter) {
 
 /// Undoing flips each decision once.
 bool MoveSequence::repeatsDecision() const {
-  const std::vector<std::uint32_t>& written = dag->propagation.changedDecisions;
+  const auto& written = dag->propagation.changedDecisions;
   return std::any_of(written.begin(), written.end(), [this](std::uint32_t decision) {
     const std::uint32_t index = dag->fixedFields->posInGroups[decision];
     return (changedBits[index / 64] >> (index % 64)) & 1;

@@ -50,7 +50,8 @@ struct CountingListener : DagListener {
   explicit CountingListener(const Dag& watched) : dag(watched) {}
   void onAccept() override {
     ++nbCalls;
-    decisions = dag.propagation.changedDecisions;
+    decisions.assign(dag.propagation.changedDecisions.begin(),
+                     dag.propagation.changedDecisions.end());
   }
   const Dag& dag;
   int nbCalls = 0;
