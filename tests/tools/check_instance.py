@@ -12,7 +12,6 @@ with 1.
 Families whose model is an example program are checked by check_example.py, once the decisions have been
 turned into the numbers that the program itself would write. A SOLUTION without "v" lines holds these numbers.
 """
-import gzip
 import heapq
 import itertools
 import re
@@ -21,18 +20,11 @@ from decimal import Decimal
 
 import check_example
 import check_opb
+from check_opb import read_text
 
 
 class Wrong(Exception):
     """The decisions cannot stand; the text says why."""
-
-
-def read_text(name):
-    with open(name, "rb") as stream:
-        raw = stream.read()
-    if raw[:2] == b"\x1f\x8b":
-        raw = gzip.decompress(raw)
-    return raw.decode("latin-1")
 
 
 def read_decisions(name):
