@@ -7,33 +7,21 @@
 #include <ombrix/ombrix.h>
 
 #include <chrono>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "builder/solverrecord.h"
 #include "builder/worker.h"
+#include "draws.h"
 
 namespace {
 
 using namespace ombrix;
+using bench::Draws;
 using Clock = std::chrono::steady_clock;
 using Expressions = std::vector<OXExpression*>;
-
-class Draws {
-public:
-  explicit Draws(std::uint32_t seed) : engine(seed) {}
-  int below(int n) {
-    return static_cast<int>(
-        (static_cast<std::uint64_t>(engine()) * static_cast<std::uint64_t>(n)) >> 32);
-  }
-
-private:
-  std::mt19937 engine;
-};
 
 /// A model and the decisions at 1 from which its search starts.
 class Instance {

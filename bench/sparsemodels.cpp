@@ -1,7 +1,6 @@
 #include "sparsemodels.h"
 
-#include <algorithm>
-#include <random>
+#include "draws.h"
 
 namespace ombrix::bench {
 
@@ -15,25 +14,6 @@ std::vector<OXExpression*> createDecisions(OXModel& model, int nbDecisions) {
   }
   return decisions;
 }
-
-/// Draws that do not depend on the standard library's distributions, so that every host builds the
-/// same models.
-class Draws {
-public:
-  explicit Draws(std::uint32_t seed) : engine(seed) {}
-
-  int below(int n) {
-    return static_cast<int>(
-        (static_cast<std::uint64_t>(engine()) * static_cast<std::uint64_t>(n)) >> 32);
-  }
-
-  OXExpression* of(const std::vector<OXExpression*>& expressions) {
-    return expressions[static_cast<std::size_t>(below(static_cast<int>(expressions.size())))];
-  }
-
-private:
-  std::mt19937 engine;
-};
 
 OXExpression* weighted(OXModel& model, long long weight, OXExpression* x) {
   return model.createExpression(OXOperator::Prod, model.createConstant(weight), x);
