@@ -3,7 +3,6 @@
 #include <ombrix/ombrix.h>
 
 #include <iostream>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,32 +10,26 @@
 #include "cli/environmentfile.h"
 #include "cli/formulaprinter.h"
 #include "cli/inputerror.h"
-#include "cli/program.h"
 #include "cli/searchoptions.h"
-#include "cli/searchrecorder.h"
-#include "cli/signalstopper.h"
+#include "cli/searchrun.h"
 #include "cli/solutionwriter.h"
-#include "cli/statisticstext.h"
 
 namespace ombrix::cli {
 namespace {
 
 /// One run of the command, from the file to the last line of output.
-class EnvironmentRun {
+class EnvironmentRun : private SearchRun {
 public:
-  explicit EnvironmentRun(const CommandLine& asked) : line(asked) {
+  explicit EnvironmentRun(const CommandLine& asked) : SearchRun(asked) {
     if (line.output == OutputForm::Pb) {
       throw InputError("--output pb: " + line.model + " is no file in the OPB format");
     }
-    if (line.solutionFile) solutionFile.emplace(*line.solutionFile);
-    if (line.environmentFile) environmentFile.emplace(*line.environmentFile);
-    if (line.statisticsFile) statisticsFile.emplace(*line.statisticsFile);
+    openFiles();
   }
 
   int run() {
     load();
     search();
-    status = solver.getSolution()->getStatus();
     keep();
     print();
     writeStatistics();
@@ -56,26 +49,6 @@ private:
     createPhases(line, solver);
   }
 
-  void search() {
-    recorder.emplace(solver);
-    const SignalStopper stopper(solver);
-    solver.solve();
-    recorder->restoreBest();
-  }
-
-  /// Last, since a place that cannot be written after all must not cost the solution.
-  void writeStatistics() {
-    if (!statisticsFile) return;
-    std::cout.flush();
-    statisticsFile->commit(statisticsText(line.model, solver, *recorder));
-  }
-
-  void setAdvancedParams() {
-    for (const auto& [key, value] : line.advancedParams) {
-      solver.getParam()->setAdvancedParam(key, value);
-    }
-  }
-
   /// Writes the files, before anything that may fail later.
   void keep() {
     if (environmentFile) environmentFile->commit(solver);
@@ -91,14 +64,9 @@ private:
   }
 
   void print() const {
-    if (!hasSolution()) {
-      std::cout << (status == OXSolutionStatus::Inconsistent
-                        ? "Status: inconsistent, the model has no solution\n"
-                        : "Status: infeasible, no solution was found\n");
-      return;
-    }
+    printStatus();
+    if (!hasSolution()) return;
     const OXModel& model = *solver.getModel();
-    std::cout << "Status: " << (status == OXSolutionStatus::Optimal ? "optimal\n" : "feasible\n");
     for (int i = 0; i < model.getNbObjectives(); ++i) {
       const OXExpression& objective = *model.getObjective(i);
       std::cout << "Objective: ";
@@ -114,23 +82,6 @@ private:
       std::cout << "  " << nameOfExpression(decision) << " = " << decision.getIntValue() << "\n";
     }
   }
-
-  bool hasSolution() const {
-    return status == OXSolutionStatus::Feasible || status == OXSolutionStatus::Optimal;
-  }
-
-  int exitStatus() const {
-    if (hasSolution()) return kSolutionFound;
-    return status == OXSolutionStatus::Inconsistent ? kInconsistent : kNoSolution;
-  }
-
-  const CommandLine& line;
-  Ombrix solver;
-  std::optional<SolutionFile> solutionFile;
-  std::optional<EnvironmentFile> environmentFile;
-  std::optional<SolutionFile> statisticsFile;
-  std::optional<SearchRecorder> recorder;
-  OXSolutionStatus status = OXSolutionStatus::Infeasible;
 };
 
 }  // namespace

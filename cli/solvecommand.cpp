@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <iostream>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -14,31 +13,24 @@
 #include "cli/opbmodel.h"
 #include "cli/opbmodelbuilder.h"
 #include "cli/opbreader.h"
-#include "cli/program.h"
 #include "cli/searchoptions.h"
-#include "cli/searchrecorder.h"
-#include "cli/signalstopper.h"
+#include "cli/searchrun.h"
 #include "cli/solutionwriter.h"
-#include "cli/statisticstext.h"
 
 namespace ombrix::cli {
 namespace {
 
 /// One run of the command, from the closing of the model to the last line of output.
-class SolveRun {
+class SolveRun : private SearchRun {
 public:
   SolveRun(const CommandLine& asked, OpbModel read)
-      : line(asked), file(std::move(read)), builder(file, *solver.getModel()) {
+      : SearchRun(asked), file(std::move(read)), builder(file, *solver.getModel()) {
     file.releaseSums();
-    if (line.solutionFile) solutionFile.emplace(*line.solutionFile);
-    if (line.environmentFile) environmentFile.emplace(*line.environmentFile);
-    if (line.statisticsFile) statisticsFile.emplace(*line.statisticsFile);
+    openFiles();
   }
 
   int run() {
-    for (const auto& [key, value] : line.advancedParams) {
-      solver.getParam()->setAdvancedParam(key, value);
-    }
+    setAdvancedParams();
     solver.getModel()->close();
     setParameters();
     createPhases(line, solver);
@@ -47,7 +39,7 @@ public:
       finish();
       printForCompetition();
     } else {
-      search(nullptr);
+      search();
       finish();
       printPlainly();
     }
@@ -62,13 +54,6 @@ private:
     solver.getParam()->setObjectiveBound(0, static_cast<long long>(builder.getObjectiveLimit()));
   }
 
-  void search(std::ostream* improvementLines) {
-    recorder.emplace(solver, improvementLines);
-    const SignalStopper stopper(solver);
-    solver.solve();
-    recorder->restoreBest();
-  }
-
   void searchForCompetition() {
     std::cout << "c Ombrix " << OXVersion::getVersion() << "\n"
               << "c " << line.model << ": " << file.names.size() << " variables, "
@@ -77,10 +62,8 @@ private:
     search(file.hasObjective ? &display.direct() : nullptr);
   }
 
-  /// Takes the result over and writes the file of the solution, before anything that may fail
-  /// later.
+  /// Takes the result over and writes the files, before anything that may fail later.
   void finish() {
-    status = solver.getSolution()->getStatus();
     if (environmentFile) environmentFile->commit(solver);
     if (!hasSolution()) return;
     for (const OXExpression* decision : builder.getDecisions()) {
@@ -102,13 +85,8 @@ private:
   }
 
   void printPlainly() const {
-    if (!hasSolution()) {
-      std::cout << (status == OXSolutionStatus::Inconsistent
-                        ? "Status: inconsistent, the model has no solution\n"
-                        : "Status: infeasible, no solution was found\n");
-      return;
-    }
-    std::cout << "Status: " << (status == OXSolutionStatus::Optimal ? "optimal\n" : "feasible\n");
+    printStatus();
+    if (!hasSolution()) return;
     if (file.hasObjective) {
       std::cout << "Objective: " << builder.getObjective()->getIntValue() << "\n";
     }
@@ -118,31 +96,8 @@ private:
     }
   }
 
-  /// Last, since a place that cannot be written after all must not cost the solution.
-  void writeStatistics() {
-    if (!statisticsFile) return;
-    std::cout.flush();
-    statisticsFile->commit(statisticsText(line.model, solver, *recorder));
-  }
-
-  bool hasSolution() const {
-    return status == OXSolutionStatus::Feasible || status == OXSolutionStatus::Optimal;
-  }
-
-  int exitStatus() const {
-    if (hasSolution()) return kSolutionFound;
-    return status == OXSolutionStatus::Inconsistent ? kInconsistent : kNoSolution;
-  }
-
-  const CommandLine& line;
   OpbModel file;
-  Ombrix solver;
   OpbModelBuilder builder;
-  std::optional<SolutionFile> solutionFile;
-  std::optional<EnvironmentFile> environmentFile;
-  std::optional<SolutionFile> statisticsFile;
-  std::optional<SearchRecorder> recorder;
-  OXSolutionStatus status = OXSolutionStatus::Infeasible;
   std::vector<bool> values;
 };
 
