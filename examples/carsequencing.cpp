@@ -57,9 +57,7 @@ struct Instance {
 examples::Table createLine(OXModel& model, const Instance& instance) {
   examples::Table isAt = examples::createTable(model, instance.nbCars, instance.nbCarsOf.size());
   for (std::size_t c = 0; c < instance.nbCarsOf.size(); ++c) {
-    OXExpression* built = model.createExpression(OXOperator::Sum);
-    for (const auto& position : isAt) built->addOperand(position[c]);
-    examples::requireEqual(model, built, instance.nbCarsOf[c]);
+    examples::requireColumnSum(model, isAt, c, instance.nbCarsOf[c]);
   }
   return isAt;
 }

@@ -136,6 +136,30 @@ Table createTable(OXModel& model, std::size_t nbRows, std::size_t nbColumns) {
   return table;
 }
 
+void requireColumnSum(OXModel& model, const Table& table, std::size_t column, long long value) {
+  OXExpression* sum = model.createExpression(OXOperator::Sum);
+  for (const auto& row : table) sum->addOperand(row[column]);
+  requireEqual(model, sum, value);
+}
+
+Table createAssignment(OXModel& model, std::size_t size) {
+  Table table = createTable(model, size, size);
+  for (std::size_t column = 0; column < size; ++column) requireColumnSum(model, table, column, 1);
+  return table;
+}
+
+std::vector<OXExpression*> createChosenColumns(OXModel& model, const Table& table) {
+  std::vector<OXExpression*> columns;
+  for (const auto& row : table) {
+    OXExpression* column = model.createExpression(OXOperator::Sum);
+    for (std::size_t j = 0; j < row.size(); ++j) {
+      column->addOperand(times(model, static_cast<long long>(j), row[j]));
+    }
+    columns.push_back(column);
+  }
+  return columns;
+}
+
 std::vector<long long> chosenColumns(const Table& table) {
   std::vector<long long> columns;
   for (const auto& row : table) {

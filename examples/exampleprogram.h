@@ -54,6 +54,18 @@ void requireAtLeast(ombrix::OXModel& model, ombrix::OXExpression* expression, lo
 using Table = std::vector<std::vector<ombrix::OXExpression*>>;
 Table createTable(ombrix::OXModel& model, std::size_t nbRows, std::size_t nbColumns);
 
+/// "sum of the column of the table is value".
+void requireColumnSum(ombrix::OXModel& model, const Table& table, std::size_t column,
+                      long long value);
+
+/// A square table of new decisions with exactly one chosen in every row and in every column: a
+/// permutation. The rows come first: the moves that turn or shift a stretch of a permutation work
+/// on neighbouring lists of which exactly one decision holds.
+Table createAssignment(ombrix::OXModel& model, std::size_t size);
+
+/// The number of the column chosen in every row, as an expression of the model.
+std::vector<ombrix::OXExpression*> createChosenColumns(ombrix::OXModel& model, const Table& table);
+
 /// The column chosen in every row of the solution.
 std::vector<long long> chosenColumns(const Table& table);
 

@@ -42,8 +42,8 @@ struct Graph {
 
   void readEdge(examples::InstanceFile& file) {
     const auto n = static_cast<long long>(neighbours.size());
-    const auto u = static_cast<std::size_t>(file.nextInt(1, n, "a vertex") - 1);
-    const auto v = static_cast<std::size_t>(file.nextInt(1, n, "a vertex") - 1);
+    const std::size_t u = file.nextIndex(n, "a vertex");
+    const std::size_t v = file.nextIndex(n, "a vertex");
     if (u == v) return;
     neighbours[u].insert(v);
     neighbours[v].insert(u);
@@ -83,13 +83,7 @@ Colouring colourGreedily(const Graph& graph) {
 /// comparison, whatever the number of colours.
 OXExpression* createConflicts(OXModel& model, const Graph& graph,
                               const examples::Table& hasColour) {
-  std::vector<OXExpression*> colours;
-  for (const auto& row : hasColour) {
-    colours.push_back(model.createExpression(OXOperator::Sum));
-    for (std::size_t c = 0; c < row.size(); ++c) {
-      colours.back()->addOperand(examples::times(model, static_cast<long long>(c), row[c]));
-    }
-  }
+  const std::vector<OXExpression*> colours = examples::createChosenColumns(model, hasColour);
   OXExpression* conflicts = model.createExpression(OXOperator::Sum);
   for (std::size_t u = 0; u < colours.size(); ++u) {
     for (const std::size_t v : graph.neighbours[u]) {

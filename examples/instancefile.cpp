@@ -11,26 +11,26 @@ namespace examples {
 
 namespace {
 
-std::string readAll(const std::string& name) {
-  const std::unique_ptr<gzFile_s, int (*)(gzFile)> file(gzopen(name.c_str(), "rb"), gzclose);
-  if (!file) throw std::runtime_error("Cannot open file " + name);
-  std::string content;
-  std::string block(std::size_t{1} << 16, '\0');
-  for (;;) {
-    const int n = gzread(file.get(), block.data(), static_cast<unsigned>(block.size()));
-    if (n < 0) throw std::runtime_error("Cannot read file " + name);
-    if (n == 0) return content;
-    content.append(block, 0, static_cast<std::size_t>(n));
-  }
-}
-
 bool isSpace(char c) {
   return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 }  // namespace
 
-InstanceFile::InstanceFile(const std::string& name) : fileName(name), content(readAll(name)) {}
+std::string readText(const std::string& fileName) {
+  const std::unique_ptr<gzFile_s, int (*)(gzFile)> file(gzopen(fileName.c_str(), "rb"), gzclose);
+  if (!file) throw std::runtime_error("Cannot open file " + fileName);
+  std::string content;
+  std::string block(std::size_t{1} << 16, '\0');
+  for (;;) {
+    const int n = gzread(file.get(), block.data(), static_cast<unsigned>(block.size()));
+    if (n < 0) throw std::runtime_error("Cannot read file " + fileName);
+    if (n == 0) return content;
+    content.append(block, 0, static_cast<std::size_t>(n));
+  }
+}
+
+InstanceFile::InstanceFile(const std::string& name) : fileName(name), content(readText(name)) {}
 
 bool InstanceFile::atEnd() {
   skipSpaces();
@@ -61,6 +61,10 @@ long long InstanceFile::nextInt(long long low, long long high, const std::string
          expected + " between " + std::to_string(low) + " and " + std::to_string(high));
   }
   return value;
+}
+
+std::size_t InstanceFile::nextIndex(long long count, const std::string& expected) {
+  return static_cast<std::size_t>(nextInt(1, count, expected) - 1);
 }
 
 double InstanceFile::nextDouble(const std::string& expected) {

@@ -8,6 +8,9 @@
 
 namespace examples {
 
+/// The whole text of a file, plain or gzip.
+std::string readText(const std::string& fileName);
+
 /// The words of an instance file, plain or gzip, one after the other. A word of the wrong kind is a
 /// std::runtime_error that names file, line, what was found and what was expected.
 class InstanceFile {
@@ -19,6 +22,8 @@ public:
   long long nextInt(const std::string& expected = "an integer");
   /// An integer between two limits, both allowed.
   long long nextInt(long long low, long long high, const std::string& expected);
+  /// The number, from 1, of one of so many things, as its position from 0.
+  std::size_t nextIndex(long long count, const std::string& expected);
   double nextDouble(const std::string& expected = "a number");
   /// Passes over a line that begins with the mark; false, and nothing read, if the next word does
   /// not.

@@ -44,30 +44,6 @@ struct Instance {
   Matrix distance;
 };
 
-/// The permutation as a table of decisions: facility i stands at location k.
-examples::Table createPlacement(OXModel& model, std::size_t n) {
-  examples::Table isAt = examples::createTable(model, n, n);
-  for (std::size_t k = 0; k < n; ++k) {
-    OXExpression* placed = model.createExpression(OXOperator::Sum);
-    for (std::size_t i = 0; i < n; ++i) placed->addOperand(isAt[i][k]);
-    examples::requireEqual(model, placed, 1);
-  }
-  return isAt;
-}
-
-/// The location of every facility as a number.
-std::vector<OXExpression*> createLocations(OXModel& model, const examples::Table& isAt) {
-  std::vector<OXExpression*> locations;
-  for (const auto& row : isAt) {
-    OXExpression* location = model.createExpression(OXOperator::Sum);
-    for (std::size_t k = 0; k < row.size(); ++k) {
-      location->addOperand(examples::times(model, static_cast<long long>(k), row[k]));
-    }
-    locations.push_back(location);
-  }
-  return locations;
-}
-
 /// The distances row by row: the one from k to l stands at k times the size plus l.
 OXExpression* createDistances(OXModel& model, const Instance& instance) {
   OXExpression* distances = model.createExpression(OXOperator::Array);
@@ -105,8 +81,9 @@ void run(const examples::Arguments& arguments) {
   const Instance instance(arguments.instance);
   Ombrix solver;
   OXModel& model = *solver.getModel();
-  const examples::Table isAt = createPlacement(model, instance.n);
-  OXExpression* cost = createCost(model, instance, createLocations(model, isAt));
+  // Facility i stands at location k.
+  const examples::Table isAt = examples::createAssignment(model, instance.n);
+  OXExpression* cost = createCost(model, instance, examples::createChosenColumns(model, isAt));
   model.addObjective(cost, OXObjectiveDirection::Minimize);
   model.close();
   examples::solveFor(solver, arguments.seconds);

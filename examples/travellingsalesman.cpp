@@ -123,32 +123,6 @@ private:
   std::vector<long long> distances;
 };
 
-/// The tour as a table of decisions: city i is visited at position p. The lists of positions come
-/// first and in the order of the tour: the moves that turn or shift a stretch of a tour work on
-/// neighbouring lists of which exactly one decision holds.
-examples::Table createTour(OXModel& model, std::size_t n) {
-  examples::Table isAt = examples::createTable(model, n, n);
-  for (std::size_t i = 0; i < n; ++i) {
-    OXExpression* visited = model.createExpression(OXOperator::Sum);
-    for (std::size_t p = 0; p < n; ++p) visited->addOperand(isAt[p][i]);
-    examples::requireEqual(model, visited, 1);
-  }
-  return isAt;
-}
-
-/// The number of the city at each position.
-std::vector<OXExpression*> createCities(OXModel& model, const examples::Table& isAt) {
-  std::vector<OXExpression*> cityAt;
-  for (const auto& position : isAt) {
-    OXExpression* city = model.createExpression(OXOperator::Sum);
-    for (std::size_t i = 0; i < position.size(); ++i) {
-      city->addOperand(examples::times(model, static_cast<long long>(i), position[i]));
-    }
-    cityAt.push_back(city);
-  }
-  return cityAt;
-}
-
 /// The distances stand in one array of constants, row after row, and a leg looks its own up. So a
 /// leg takes one sum and one look-up, where products of decisions would take n for each city.
 OXExpression* createLength(OXModel& model, const Instance& instance,
@@ -189,8 +163,9 @@ void run(const examples::Arguments& arguments) {
   const Instance instance(arguments.instance);
   Ombrix solver;
   OXModel& model = *solver.getModel();
-  const examples::Table isAt = createTour(model, instance.n);
-  OXExpression* length = createLength(model, instance, createCities(model, isAt));
+  // City i is visited at position p: the rows are the positions, in the order of the tour.
+  const examples::Table isAt = examples::createAssignment(model, instance.n);
+  OXExpression* length = createLength(model, instance, examples::createChosenColumns(model, isAt));
   model.addObjective(length, OXObjectiveDirection::Minimize);
   model.close();
   startAtNearestNeighbours(instance, isAt);

@@ -54,9 +54,7 @@ examples::Table createRound(OXModel& model, const Instance& instance, std::size_
     examples::requireEqual(model, nbOfGolfer, 1);
   }
   for (std::size_t g = 0; g < instance.nbGroups; ++g) {
-    OXExpression* nbOfGroup = model.createExpression(OXOperator::Sum);
-    for (std::size_t p = 0; p < nbGolfers; ++p) nbOfGroup->addOperand(plays[p][g]);
-    examples::requireEqual(model, nbOfGroup, static_cast<long long>(instance.groupSize));
+    examples::requireColumnSum(model, plays, g, static_cast<long long>(instance.groupSize));
   }
   return plays;
 }

@@ -23,8 +23,8 @@ void buildMaxcut(OXModel& model, const std::string& fileName) {
   }
   OXExpression* cut = model.createExpression(OXOperator::Sum);
   for (long long e = 0; e < nbEdges; ++e) {
-    const auto u = static_cast<std::size_t>(file.nextInt(1, n, "a vertex") - 1);
-    const auto v = static_cast<std::size_t>(file.nextInt(1, n, "a vertex") - 1);
+    const std::size_t u = file.nextIndex(n, "a vertex");
+    const std::size_t v = file.nextIndex(n, "a vertex");
     const long long weight = file.nextInt("a weight");
     if (u == v) continue;
     addTerm(model, cut, weight, model.createExpression(OXOperator::Xor, side[u], side[v]));

@@ -1,31 +1,16 @@
 #include "modelling.h"
 
-#include <zlib.h>
-
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <memory>
 #include <stdexcept>
+
+#include "instancefile.h"
 
 namespace bench {
 
 using namespace ombrix;
 
 namespace {
-
-std::string readText(const std::string& fileName) {
-  const std::unique_ptr<gzFile_s, int (*)(gzFile)> file(gzopen(fileName.c_str(), "rb"), gzclose);
-  if (!file) throw std::runtime_error("Cannot open file " + fileName);
-  std::string text;
-  std::array<char, 65536> block{};
-  for (;;) {
-    const int n = gzread(file.get(), block.data(), static_cast<unsigned>(block.size()));
-    if (n < 0) throw std::runtime_error("Cannot read file " + fileName);
-    if (n == 0) return text;
-    text.append(block.data(), static_cast<std::size_t>(n));
-  }
-}
 
 std::vector<std::string> split(const std::string& text, std::size_t start, std::size_t end,
                                const std::string& separators) {
@@ -58,25 +43,26 @@ bool excludesAll(const Conflicts& conflicts, const std::vector<std::size_t>& mem
                      [&](std::size_t member) { return conflicts[member][w] != 0; });
 }
 
+void nameDecision(OXExpression* decision, std::initializer_list<std::size_t> indices) {
+  std::string name = "x";
+  for (const std::size_t index : indices) name += "_" + std::to_string(index);
+  decision->setName(name);
+}
+
 }  // namespace
 
 OXExpression* createDecision(OXModel& model, std::initializer_list<std::size_t> indices) {
-  std::string name = "x";
-  for (const std::size_t index : indices) name += "_" + std::to_string(index);
   OXExpression* decision = model.createExpression(OXOperator::Bool);
-  decision->setName(name);
+  nameDecision(decision, indices);
   return decision;
 }
 
 examples::Table createNamedTable(OXModel& model, std::size_t nbRows, std::size_t nbColumns) {
-  examples::Table table(nbRows, std::vector<OXExpression*>(nbColumns));
+  examples::Table table = examples::createTable(model, nbRows, nbColumns);
   for (std::size_t row = 0; row < nbRows; ++row) {
-    OXExpression* nbChosen = model.createExpression(OXOperator::Sum);
     for (std::size_t column = 0; column < nbColumns; ++column) {
-      table[row][column] = createDecision(model, {row, column});
-      nbChosen->addOperand(table[row][column]);
+      nameDecision(table[row][column], {row, column});
     }
-    examples::requireEqual(model, nbChosen, 1);
   }
   return table;
 }
@@ -117,7 +103,7 @@ void forbidConflicts(OXModel& model, const Conflicts& conflicts,
 
 std::vector<std::vector<std::string>> readLines(const std::string& fileName,
                                                 const std::string& separators) {
-  const std::string text = readText(fileName);
+  const std::string text = examples::readText(fileName);
   std::vector<std::vector<std::string>> lines;
   for (std::size_t start = 0; start < text.size();) {
     const std::size_t end = std::min(text.find('\n', start), text.size());

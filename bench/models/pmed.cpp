@@ -49,8 +49,8 @@ void buildPmed(OXModel& model, const std::string& fileName) {
   Matrix distance(size, std::vector<long long>(size, kFar));
   for (std::size_t v = 0; v < size; ++v) distance[v][v] = 0;
   for (long long e = 0; e < nbEdges; ++e) {
-    const auto i = static_cast<std::size_t>(file.nextInt(1, n, "a vertex") - 1);
-    const auto j = static_cast<std::size_t>(file.nextInt(1, n, "a vertex") - 1);
+    const std::size_t i = file.nextIndex(n, "a vertex");
+    const std::size_t j = file.nextIndex(n, "a vertex");
     const long long length = file.nextInt(0, kFar - 1, "a length");
     if (i != j) distance[i][j] = distance[j][i] = length;
   }

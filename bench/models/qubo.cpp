@@ -21,8 +21,8 @@ void buildQubo(OXModel& model, const std::string& fileName) {
   }
   OXExpression* value = model.createExpression(OXOperator::Sum);
   for (long long e = 0; e < nbEntries; ++e) {
-    const auto i = static_cast<std::size_t>(file.nextInt(1, n, "a variable") - 1);
-    const auto j = static_cast<std::size_t>(file.nextInt(1, n, "a variable") - 1);
+    const std::size_t i = file.nextIndex(n, "a variable");
+    const std::size_t j = file.nextIndex(n, "a variable");
     const long long entry = file.nextInt("an entry");
     if (i == j) {
       addTerm(model, value, entry, x[i]);

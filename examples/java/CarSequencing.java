@@ -60,11 +60,7 @@ public final class CarSequencing {
   private OXExpression[][] createLine(OXModel model) {
     OXExpression[][] isAt = ExampleProgram.createTable(model, nbCars, nbCarsOf.length);
     for (int c = 0; c < nbCarsOf.length; c++) {
-      OXExpression built = model.createExpression(OXOperator.Sum);
-      for (OXExpression[] position : isAt) {
-        built.addOperand(position[c]);
-      }
-      ExampleProgram.requireEqual(model, built, nbCarsOf[c]);
+      ExampleProgram.requireColumnSum(model, isAt, c, nbCarsOf[c]);
     }
     return isAt;
   }

@@ -137,6 +137,40 @@ final class ExampleProgram {
     return table;
   }
 
+  /** "sum of the column of the table is value". */
+  static void requireColumnSum(OXModel model, OXExpression[][] table, int column, long value) {
+    OXExpression sum = model.createExpression(OXOperator.Sum);
+    for (OXExpression[] row : table) {
+      sum.addOperand(row[column]);
+    }
+    requireEqual(model, sum, value);
+  }
+
+  /**
+   * A square table of new decisions with exactly one chosen in every row and in every column: a permutation.
+   * The rows come first: the moves that turn or shift a stretch of a permutation work on neighbouring lists of
+   * which exactly one decision holds.
+   */
+  static OXExpression[][] createAssignment(OXModel model, int size) {
+    OXExpression[][] table = createTable(model, size, size);
+    for (int column = 0; column < size; column++) {
+      requireColumnSum(model, table, column, 1);
+    }
+    return table;
+  }
+
+  /** The number of the column chosen in every row, as an expression of the model. */
+  static OXExpression[] createChosenColumns(OXModel model, OXExpression[][] table) {
+    OXExpression[] columns = new OXExpression[table.length];
+    for (int i = 0; i < table.length; i++) {
+      columns[i] = model.createExpression(OXOperator.Sum);
+      for (int j = 0; j < table[i].length; j++) {
+        columns[i].addOperand(model.createExpression(OXOperator.Prod, (long) j, table[i][j]));
+      }
+    }
+    return columns;
+  }
+
   /** The column chosen in every row of the solution. */
   static List<Integer> chosenColumns(OXExpression[][] table) {
     List<Integer> columns = new ArrayList<>();

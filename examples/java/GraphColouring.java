@@ -87,20 +87,12 @@ public final class GraphColouring {
    * whatever the number of colours.
    */
   private OXExpression createConflicts(OXModel model, OXExpression[][] hasColour) {
-    List<OXExpression> colours = new ArrayList<>();
-    for (OXExpression[] row : hasColour) {
-      OXExpression colour = model.createExpression(OXOperator.Sum);
-      for (int c = 0; c < row.length; c++) {
-        colour.addOperand(model.createExpression(OXOperator.Prod, (long) c, row[c]));
-      }
-      colours.add(colour);
-    }
+    OXExpression[] colours = ExampleProgram.createChosenColumns(model, hasColour);
     OXExpression conflicts = model.createExpression(OXOperator.Sum);
-    for (int u = 0; u < colours.size(); u++) {
+    for (int u = 0; u < colours.length; u++) {
       for (int v : neighbours.get(u)) {
         if (v > u) {
-          conflicts.addOperand(
-              model.createExpression(OXOperator.Eq, colours.get(u), colours.get(v)));
+          conflicts.addOperand(model.createExpression(OXOperator.Eq, colours[u], colours[v]));
         }
       }
     }

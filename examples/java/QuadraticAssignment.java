@@ -33,19 +33,6 @@ public final class QuadraticAssignment {
     return matrix;
   }
 
-  /** The permutation as a table of decisions: facility i stands at location k. */
-  private OXExpression[][] createPlacement(OXModel model) {
-    OXExpression[][] isAt = ExampleProgram.createTable(model, n, n);
-    for (int k = 0; k < n; k++) {
-      OXExpression placed = model.createExpression(OXOperator.Sum);
-      for (int i = 0; i < n; i++) {
-        placed.addOperand(isAt[i][k]);
-      }
-      ExampleProgram.requireEqual(model, placed, 1);
-    }
-    return isAt;
-  }
-
   private boolean isSymmetric() {
     for (int k = 0; k < n; k++) {
       for (int l = 0; l < k; l++) {
@@ -55,18 +42,6 @@ public final class QuadraticAssignment {
       }
     }
     return true;
-  }
-
-  /** The location of every facility as a number. */
-  private OXExpression[] createLocations(OXModel model, OXExpression[][] isAt) {
-    OXExpression[] locations = new OXExpression[n];
-    for (int i = 0; i < n; i++) {
-      locations[i] = model.createExpression(OXOperator.Sum);
-      for (long k = 0; k < n; k++) {
-        locations[i].addOperand(model.createExpression(OXOperator.Prod, k, isAt[i][(int) k]));
-      }
-    }
-    return locations;
   }
 
   /** The distances row by row: the one from k to l stands at k times the size plus l. */
@@ -110,8 +85,10 @@ public final class QuadraticAssignment {
     QuadraticAssignment instance = new QuadraticAssignment(program.instance);
     try (Ombrix solver = new Ombrix()) {
       OXModel model = solver.getModel();
-      OXExpression[][] isAt = instance.createPlacement(model);
-      OXExpression cost = instance.createCost(model, instance.createLocations(model, isAt));
+      // Facility i stands at location k.
+      OXExpression[][] isAt = ExampleProgram.createAssignment(model, instance.n);
+      OXExpression cost =
+          instance.createCost(model, ExampleProgram.createChosenColumns(model, isAt));
       model.addObjective(cost, OXObjectiveDirection.Minimize);
       model.close();
       program.solve(solver);

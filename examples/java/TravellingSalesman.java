@@ -126,35 +126,6 @@ public final class TravellingSalesman {
   }
 
   /**
-   * The tour as a table of decisions: city i is visited at position p. The lists of positions come first
-   * and in the order of the tour: the moves that turn or shift a stretch of a tour work on neighbouring
-   * lists of which exactly one decision holds.
-   */
-  private OXExpression[][] createTour(OXModel model) {
-    OXExpression[][] isAt = ExampleProgram.createTable(model, n, n);
-    for (int i = 0; i < n; i++) {
-      OXExpression visited = model.createExpression(OXOperator.Sum);
-      for (int p = 0; p < n; p++) {
-        visited.addOperand(isAt[p][i]);
-      }
-      ExampleProgram.requireEqual(model, visited, 1);
-    }
-    return isAt;
-  }
-
-  /** The number of the city at each position. */
-  private OXExpression[] createCities(OXModel model, OXExpression[][] isAt) {
-    OXExpression[] cityAt = new OXExpression[n];
-    for (int p = 0; p < n; p++) {
-      cityAt[p] = model.createExpression(OXOperator.Sum);
-      for (int i = 0; i < n; i++) {
-        cityAt[p].addOperand(model.createExpression(OXOperator.Prod, (long) i, isAt[p][i]));
-      }
-    }
-    return cityAt;
-  }
-
-  /**
    * The distances stand in one array of constants, row after row, and a leg looks its own up. So a leg takes
    * one sum and one look-up, where products of decisions would take n for each city.
    */
@@ -198,8 +169,10 @@ public final class TravellingSalesman {
     TravellingSalesman instance = new TravellingSalesman(program.instance);
     try (Ombrix solver = new Ombrix()) {
       OXModel model = solver.getModel();
-      OXExpression[][] isAt = instance.createTour(model);
-      OXExpression length = instance.createLength(model, instance.createCities(model, isAt));
+      // City i is visited at position p: the rows are the positions, in the order of the tour.
+      OXExpression[][] isAt = ExampleProgram.createAssignment(model, instance.n);
+      OXExpression length =
+          instance.createLength(model, ExampleProgram.createChosenColumns(model, isAt));
       model.addObjective(length, OXObjectiveDirection.Minimize);
       model.close();
       instance.startAtNearestNeighbours(isAt);
