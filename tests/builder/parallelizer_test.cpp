@@ -349,7 +349,7 @@ TEST_F(ParallelizerTest, AWorkerThatIsGivenAFeasibleSolutionFollowsTheObjectives
   const std::vector<OXExpression*> x = test::createDecisions(model, 40);
   model.addConstraint(
       model.createExpression(OXOperator::Eq, test::createSum(model, x), model.createConstant(20)));
-  model.addObjective(x[0], OXObjectiveDirection::Maximize);
+  model.addObjective(test::createSum(model, {x[0], x[1], x[2]}), OXObjectiveDirection::Maximize);
   solver.getParam()->setAdvancedParam("greedyEnabled", 0);
   close(2);
   addPhase(1);  // one move does not make the second worker feasible
@@ -374,6 +374,11 @@ TEST_F(ParallelizerTest, AWorkerThatIsGivenAFeasibleSolutionFollowsTheObjectives
       EXPECT_EQ(second.infeasibility.nbViolated, 0);
       EXPECT_TRUE(second.activeConstraints.isFull());
       EXPECT_EQ(second.activeLevel, 1u);
+      // What it did not follow while it was infeasible is as true as what it followed.
+      EXPECT_EQ(second.staleNodes.size(), 0u);
+      EXPECT_NO_THROW(heuristic(1).dag->check());
+      EXPECT_EQ(heuristic(1).bestSolution.compareTo(heuristic(0).bestSolution, 0), 0);
+      EXPECT_EQ(heuristic(1).bestSolution.objectiveValues[0].intValue, 3);
     }
   };
   run();

@@ -16,17 +16,19 @@ inline constexpr std::size_t kCacheLineSize = 64;
 /// side in an ordinary heap.
 template <typename T>
 class CacheLineAllocator {
+  static_assert(alignof(T) <= kCacheLineSize);
+
 public:
   using value_type = T;
 
   CacheLineAllocator() = default;
   template <typename U>
-  CacheLineAllocator(const CacheLineAllocator<U>&) {}
+  CacheLineAllocator(const CacheLineAllocator<U>&) noexcept {}
 
   T* allocate(std::size_t nbElements) {
     const std::size_t nbLines = (nbElements * sizeof(T) + kCacheLineSize - 1) / kCacheLineSize;
-    return static_cast<T*>(
-        ::operator new (nbLines* kCacheLineSize, std::align_val_t{kCacheLineSize}));
+    const std::size_t nbBytes = nbLines * kCacheLineSize;
+    return static_cast<T*>(::operator new (nbBytes, std::align_val_t{kCacheLineSize}));
   }
   void deallocate(T* elements, std::size_t) {
     ::operator delete (elements, std::align_val_t{kCacheLineSize});

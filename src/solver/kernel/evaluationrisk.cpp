@@ -33,8 +33,8 @@ double upperBound(const DagFixedFields& fields, std::uint32_t node) {
   return doubleValue(fields.domains[node], fields.maxValues[node]);
 }
 
-bool canBeBelow(const DagFixedFields& fields, std::uint32_t node, double limit) {
-  return !(lowerBound(fields, fields.operand(node, 0)) >= limit);
+bool canBeNegative(const DagFixedFields& fields, std::uint32_t node) {
+  return !(lowerBound(fields, node) >= 0.0);
 }
 
 bool canLeaveIntegers(const DagFixedFields& fields, std::uint32_t node) {
@@ -50,6 +50,17 @@ bool canBeInfinite(const DagFixedFields& fields, std::uint32_t node) {
           !std::isfinite(fields.maxValues[node].doubleValue));
 }
 
+/// The bounds of a power do not tell of the infinity that a negative exponent gives, and with an
+/// integer exponent they are too narrow for bases below 1: nothing above can be judged by them.
+bool canPowerFail(const DagFixedFields& fields, std::uint32_t node) {
+  const std::uint32_t base = fields.operand(node, 0);
+  const std::uint32_t exponent = fields.operand(node, 1);
+  const bool isNarrow =
+      fields.domains[exponent] != kDoubleDomain && !(upperBound(fields, base) >= 1.0);
+  return isNarrow || canBeNegative(fields, base) || canBeNegative(fields, exponent) ||
+         canBeInfinite(fields, node);
+}
+
 bool canFail(const DagFixedFields& fields, std::uint32_t node) {
   switch (fields.types[node]) {
     case NodeType::At:
@@ -60,8 +71,9 @@ bool canFail(const DagFixedFields& fields, std::uint32_t node) {
       return canDivideByZero(fields, node);
     case NodeType::DoubleSqrt:
     case NodeType::DoubleLog:
+      return canBeNegative(fields, fields.operand(node, 0)) || canBeInfinite(fields, node);
     case NodeType::DoublePow:
-      return canBeBelow(fields, node, 0.0) || canBeInfinite(fields, node);
+      return canPowerFail(fields, node);
     case NodeType::DoubleCeil:
     case NodeType::DoubleFloor:
     case NodeType::DoubleRound:

@@ -171,6 +171,9 @@ void MoveSequence::finish(MoveStatus status) {
 
 void MoveSequence::undo() {
   if (changedDecisions.empty()) return;
+  // A constraint that stayed active could break on the way back too, by the rounding of a sum of
+  // doubles, and the evaluation would end half way.
+  dag->propagation.activeConstraints.clear();
   for (const std::uint32_t decision : changedDecisions) flip(decision);
   dag->propagation.accept(*dag);
 }

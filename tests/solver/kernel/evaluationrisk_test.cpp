@@ -78,6 +78,35 @@ TEST_F(EvaluationRiskTest, ALogarithmThatMayBeInfiniteIsARisk) {
   EXPECT_TRUE(canFail(builder.node(NodeType::DoubleLog, {doubleBetween(0.0, 2.0)})));
 }
 
+TEST_F(EvaluationRiskTest, APowerOfABaseFromOneOnIsSafe) {
+  EXPECT_FALSE(
+      canFail(builder.node(NodeType::DoublePow, {doubleBetween(0.0, 2.0), between(0, 3)})));
+}
+
+TEST_F(EvaluationRiskTest, APowerToADoubleExponentIsSafe) {
+  EXPECT_FALSE(canFail(
+      builder.node(NodeType::DoublePow, {doubleBetween(0.0, 0.5), doubleBetween(0.5, 1.5)})));
+}
+
+TEST_F(EvaluationRiskTest, APowerOfWhatMayBeNegativeIsARisk) {
+  EXPECT_TRUE(
+      canFail(builder.node(NodeType::DoublePow, {doubleBetween(-1.0, 2.0), between(0, 3)})));
+}
+
+TEST_F(EvaluationRiskTest, ANegativeIntegerExponentIsARiskThoughTheBoundsAreFinite) {
+  EXPECT_TRUE(
+      canFail(builder.node(NodeType::DoublePow, {doubleBetween(1.0, 2.0), between(-1, 1)})));
+}
+
+TEST_F(EvaluationRiskTest, ANegativeDoubleExponentIsARiskThoughTheBoundsAreFinite) {
+  EXPECT_TRUE(canFail(
+      builder.node(NodeType::DoublePow, {doubleBetween(0.0, 2.0), doubleBetween(-1.0, 1.0)})));
+}
+
+TEST_F(EvaluationRiskTest, APowerWhoseBoundsAreTooNarrowIsARisk) {
+  EXPECT_TRUE(canFail(builder.node(NodeType::DoublePow, {doubleBetween(0.0, 0.5), between(0, 3)})));
+}
+
 TEST_F(EvaluationRiskTest, AQuotientOfDoublesThatMayBeInfiniteIsARisk) {
   EXPECT_TRUE(canFail(builder.node(NodeType::DoubleDivide,
                                    {builder.doubleConstant(1.0), doubleBetween(0.0, 2.0)})));

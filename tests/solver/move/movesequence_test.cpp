@@ -286,6 +286,42 @@ TEST_F(MoveSequenceTest, ActiveConstraintsThatStayOnRefuseTheStep) {
   }
 }
 
+TEST_F(MoveSequenceTest, UndoingIsNotBrokenOffByAConstraintThatRoundingBreaks) {
+  constexpr double kLow = 0.3;
+  constexpr double kStep = 1e4;
+  const double back = (kLow + kStep) - kStep;
+  // Within the tolerance above the sum as it is at the start, beyond it above the sum that comes
+  // back.
+  const double limit = (kLow + back) / 2 * (1 + kTolerance) / (1 - kTolerance);
+  ASSERT_TRUE(approxEqual(kLow, limit));
+  ASSERT_FALSE(approxEqual(back, limit));
+  auto& builder = graph.builder;
+  const auto x = builder.booleans(2);
+  // No step moves the float: it only keeps the bounds from deciding the constraint.
+  const auto fixed = builder.floating(-1, 0);
+  const auto sum = builder.doubleNode(NodeType::DoubleScalarSum,
+                                      {builder.doubleConstant(1), x[0], fixed}, {kLow, kStep, 1});
+  const auto bounded =
+      builder.constraint(builder.node(NodeType::DoubleGeq, {sum, builder.doubleConstant(limit)}));
+  const auto count = builder.node(NodeType::BooleanSum, x);
+  const auto shifted = builder.node(NodeType::Sum, {count, builder.constant(5)});
+  builder.constraint(builder.node(NodeType::Leq, {shifted, builder.constant(9)}));
+  start();
+  harden();
+  const auto move = make(2, 0);
+  move->keepConstraintsOff = false;
+  do {
+    ASSERT_TRUE(propagation().activeConstraints.isFull());
+    if (move->apply()) break;
+    move->finish(MoveStatus::Infeasible);
+  } while (graph.dag->values[bounded].intValue == 1);
+  move->finish(MoveStatus::Rejected);
+  EXPECT_EQ(graph.dag->values[bounded].intValue, 0);
+  EXPECT_EQ(propagation().infeasibility.nbViolated, 1);
+  EXPECT_EQ(graph.dag->values[shifted].intValue, 5);
+  EXPECT_NO_THROW(graph.dag->check());
+}
+
 TEST_F(MoveSequenceTest, WithoutExploringNoStepIsWorseThanTheOneBefore) {
   const auto x = graph.builder.booleans(4);
   const auto sum = graph.builder.node(NodeType::BooleanSum, x);
