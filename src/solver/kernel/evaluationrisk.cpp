@@ -65,7 +65,7 @@ bool canFail(const DagFixedFields& fields, std::uint32_t node) {
   switch (fields.types[node]) {
     case NodeType::At:
     case NodeType::DoubleAt:
-      return canLeaveArray(fields, node);
+      return canLeaveArray(fields, node) || canBeInfinite(fields, node);
     case NodeType::Divide:
     case NodeType::Modulo:
       return canDivideByZero(fields, node);

@@ -54,6 +54,12 @@ TEST_F(EvaluationRiskTest, AnIndexBehindAnArrayOfDoublesIsARisk) {
   EXPECT_TRUE(canFail(builder.node(NodeType::DoubleAt, {array, between(0, 2)})));
 }
 
+TEST_F(EvaluationRiskTest, AnInfiniteElementIsARiskThoughItsReaderHasFiniteBounds) {
+  const auto array = builder.doubleConstArray({0.5, std::numeric_limits<double>::infinity()});
+  const auto element = builder.node(NodeType::DoubleAt, {array, between(0, 1)});
+  EXPECT_TRUE(canFail(builder.node(NodeType::DoubleMin, {element, doubleBetween(0.0, 2.0)})));
+}
+
 TEST_F(EvaluationRiskTest, ADivisorAwayFromZeroIsSafe) {
   EXPECT_FALSE(canFail(builder.node(NodeType::Divide, {between(0, 9), between(1, 4)})));
 }
