@@ -85,6 +85,22 @@ TEST_F(OXStatisticsTest, InfoNeedsAStartedSolverBeforeAnything) {
   expectFailure(0, "OXStatistics::getInfo", text, [&] { totals.getInfo(); });
 }
 
+TEST_F(OXStatisticsTest, InfoRoundsSharesUpToOneDecimal) {
+  solver.getParam()->setVerbosity(0);
+  solver.solve();
+  EXPECT_EQ(addPhase({3, 1000, 2000, 500, 10, 801}).getInfo(),
+            "mov = 2000, inf = 40.1%, acc = 25%, imp = 10");
+  EXPECT_EQ(addPhase({3, 1000, 2000, 3, 1, 3}).getInfo(),
+            "mov = 2000, inf = 0.2%, acc = 0.2%, imp = 1");
+}
+
+TEST_F(OXStatisticsTest, InfoHidesSharesThatRoundUpToATenth) {
+  solver.getParam()->setVerbosity(0);
+  solver.solve();
+  EXPECT_EQ(addPhase({3, 1000, 2000, 1, 0, 2}).getInfo(),
+            "mov = 2000, inf < 0.1%, acc < 0.1%, imp = 0");
+}
+
 TEST_F(OXStatisticsTest, TheOwnerIsToldInEveryState) {
   SolverRecord::setState(solver, OXState::Running);
   EXPECT_EQ(totals.getOmbrix(), &solver);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -491,6 +492,48 @@ TEST(Semantics, OneDoubleInAnArrayMakesAllElementsDoubles) {
   m.close();
   EXPECT_TRUE(element->isDouble());
   EXPECT_EQ(element->getDoubleValue(), 5.0);
+}
+
+TEST(Semantics, ADoubleThatLostItsDoublesHasTheSameValues) {
+  SurprisingModel m;
+  OXExpression* sum = m.make(OXOperator::Sum, m.boolean(), m.boolean(), 2.5);
+  OXExpression* array = m.array(7, 9, 0.5);
+  OXExpression* element = m.make(OXOperator::At, array, m.boolean());
+  m.constrain(m.make(OXOperator::Geq, sum, 3));
+  m.minimize(sum);
+  m.maximize(element);
+  m.close();
+  m.model().open();
+  sum->setOperand(2, 2);
+  array->setOperand(2, 8);
+  ASSERT_TRUE(isFeasible(m.solve()));
+  EXPECT_EQ(sum->getDoubleValue(), 3.0);
+  EXPECT_EQ(element->getDoubleValue(), 9.0);
+}
+
+TEST(Semantics, AnIntegerSumRefusesADoubleAddedLater) {
+  SurprisingModel m;
+  OXExpression* sum = m.make(OXOperator::Sum, m.boolean());
+  m.minimize(sum);
+  m.close();
+  m.model().open();
+  sum->addOperand(0.5);
+  EXPECT_EQ(failureOf([&] { m.close(); }),
+            "2 Operand 1 of Expression 1 (type = sum) must be boolean or integer. Type provided: "
+            "double");
+}
+
+TEST(Semantics, AnIntegerElementDoesNotSeeADoubleAddedLater) {
+  SurprisingModel m;
+  OXExpression* array = m.array(1, 5);
+  OXExpression* element = m.make(OXOperator::At, array, 0);
+  m.minimize(m.boolean());
+  m.close();
+  m.model().open();
+  array->setOperand(0, 2.5);
+  m.close();
+  EXPECT_TRUE(element->isInt());
+  EXPECT_EQ(element->getIntValue(), std::bit_cast<long long>(2.5));
 }
 
 // Constraints and objectives.

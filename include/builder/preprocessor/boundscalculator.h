@@ -47,8 +47,8 @@ private:
   void tanBounds(Index e);
 
   Preprocessor* preprocessor;
-  RangeHulls<IntInterval>
-      intHulls;  ///< of the arrays under "at": their elements are visited before
+  /// Of the arrays under "at", whose elements are visited before.
+  RangeHulls<IntInterval> intHulls;
   RangeHulls<DoubleInterval> doubleHulls;
 };
 

@@ -53,10 +53,11 @@ double fixedDoubleProduct(const Preprocessor& preprocessor, Index e) {
 
 }  // namespace
 
-/// Each operand lies within what the sum allows once all others stand at their far ends.
+/// Each operand lies within what the sum allows once all others stand at their far ends. A sum that
+/// was typed at an earlier closing may be a double over integers only.
 void BoundsInferrer::inferSum(Index e) {
   if (isUnbounded(e)) return;
-  bool hasDouble = false;
+  bool hasDouble = preprocessor->isDouble(e);
   for (const Index x : preprocessor->operands(e)) {
     if (isUnbounded(x)) return;
     hasDouble = hasDouble || preprocessor->isDouble(x);

@@ -1,5 +1,7 @@
 #include "builder/preprocessor/constantfinder.h"
 
+#include "builder/preprocessor/fixedvalue.h"
+
 namespace ombrix {
 
 void ConstantFinder::run() {
@@ -75,17 +77,16 @@ OXTypedValue ConstantFinder::evaluate(Index e) const {
 }
 
 void ConstantFinder::fixAt(Index e, std::int64_t value) {
-  if (preprocessor->isDouble(e)) {
-    intersect(e, OXTypedValue::ofDouble(static_cast<double>(value)));
-  } else {
-    intersect(e, OXTypedValue::ofInt(value));
-  }
+  intersect(e, OXTypedValue::ofInt(value));
   preprocessor->markFixed(e);
 }
 
+/// The bounds are of the type of the expression: one that was typed at an earlier closing may be a
+/// double over integers only.
 void ConstantFinder::intersect(Index e, const OXTypedValue& result) {
-  if (result.type == kDoubleType) {
-    preprocessor->intersectDoubleBounds(e, result.value.doubleValue, result.value.doubleValue);
+  if (preprocessor->isDouble(e)) {
+    const double value = asDouble(static_cast<ValueType>(result.type), result.value);
+    preprocessor->intersectDoubleBounds(e, value, value);
   } else {
     preprocessor->intersectIntBounds(e, result.value.intValue, result.value.intValue);
   }

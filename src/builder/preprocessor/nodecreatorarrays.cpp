@@ -61,10 +61,12 @@ std::uint32_t NodeCreator::addConstantArray(const OXExpression& array, bool isDo
   return fixedFields.addNode(NodeType::ConstArray, {}, scalars);
 }
 
+/// The elements decide, and not the type of the "at", which may stay a double when the doubles of
+/// its array are replaced: the node reads the numbers of a constant array as they are held there.
 void NodeCreator::createAt(OXExpression& e) {
   if (!open(e, kPlain)) return;
   const OXExpression& array = *topFrame().operands[0];
-  const bool isDoubleAt = isDouble(e) || hasDoubles[Preprocessor::at(array)];
+  const bool isDoubleAt = hasDoubles[Preprocessor::at(array)];
   finish(e, fixedFields.addNode(isDoubleAt ? NodeType::DoubleAt : NodeType::At,
                                 gatherOperandNodes(topFrame()), {}));
 }

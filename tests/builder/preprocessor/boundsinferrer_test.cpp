@@ -411,6 +411,16 @@ TEST_F(BoundsInferrerTest, ADoubleSumNarrowsItsDoubles) {
   EXPECT_EQ(model.reals(x), reals(3.5, 5.5));
 }
 
+// As a sum does that was typed when it still had a double operand.
+TEST_F(BoundsInferrerTest, ADoubleSumOfIntegersAloneNarrowsThemInDoubles) {
+  OXExpression* x = model.integer(0, 10);
+  OXExpression* e = model.make(OXOperator::Sum, {x, model.integer(1, 2)});
+  ModelRecord::setValueType(*e, kDoubleType);
+  inferReals(e, 5.5, 6.5);
+  EXPECT_FALSE(hasConflicts());
+  EXPECT_EQ(model.ints(x), ints(3, 6)) << "from [3.5, 5.5]";
+}
+
 TEST_F(BoundsInferrerTest, AnUnboundedDoubleSumTellsNothing) {
   OXExpression* x = model.real(0.0, 10.0);
   inferReals(model.make(OXOperator::Sum, {x, model.real(0.0, kInf)}), 0.0, 1.0);

@@ -58,6 +58,16 @@ TEST_F(ConstantFinderTest, FixedDoublesAreEvaluated) {
   EXPECT_EQ(model.reals(e), reals(0.75, 0.75));
 }
 
+// As a sum is that was typed when it still had a double operand.
+TEST_F(ConstantFinderTest, ADoubleSumOfFixedIntegersIsFixedAtADouble) {
+  OXExpression* e = model.make(OXOperator::Sum, {number(std::int64_t{3}), number(std::int64_t{4})});
+  ModelRecord::setValueType(*e, kDoubleType);
+  find(e);
+  EXPECT_TRUE(model.isFixed(e));
+  EXPECT_EQ(model.reals(e), reals(7.0, 7.0));
+  EXPECT_TRUE(model.conflicts().empty());
+}
+
 TEST_F(ConstantFinderTest, ConstantsAreFoundFromTheBottomUp) {
   OXExpression* sum =
       model.make(OXOperator::Sum, {number(std::int64_t{3}), number(std::int64_t{4})});

@@ -464,6 +464,17 @@ TEST_F(NodeCreation, AnArrayWithADoubleMakesADoubleAt) {
       ElementsAre("boolean", "double_constant [0.5]", "boolean", "array (2 1)", "double_at (3 0)"));
 }
 
+TEST_F(NodeCreation, AnAtGoesByItsArrayWhenItsOwnTypeStaysADouble) {
+  OXExpression* array = m.array(7, 8, 0.5);
+  OXExpression* e = m.make(OXOperator::At, array, m.boolean());
+  m.minimize(e);
+  m.close();
+  m.model().open();
+  array->setOperand(2, 9);
+  EXPECT_THAT(graphText(m.close()), ElementsAre("boolean", "const_array [7 8 9]", "at (1 0)"));
+  EXPECT_TRUE(e->isDouble());
+}
+
 TEST_F(NodeCreation, AnArrayIsMadeOnceForAllItsUsers) {
   auto x = m.booleans(2);
   OXExpression* array = m.array(0.5, x[0]);
