@@ -484,6 +484,19 @@ TEST(Semantics, OnlyAConditionalOfTwoBooleansStaysABoolean) {
   EXPECT_TRUE(conditional->isBool());
 }
 
+TEST(Semantics, AConditionalOverNumbersHidesNoViolatedConstraint) {
+  SurprisingModel m;
+  std::vector<OXExpression*> x = m.booleans(3);
+  for (std::size_t i = 0; i < 3; ++i) {
+    m.constrain(m.make(OXOperator::Neq, x[i], x[(i + 1) % 3]));
+  }
+  m.constrain(m.make(OXOperator::Iif, m.boolean(), 5, 0));
+  m.constrain(m.make(OXOperator::Iif, m.boolean(), 2.5, 0.0));
+  m.minimize(m.make(OXOperator::Sum, x[0], x[1], x[2]));
+  EXPECT_EQ(m.solve(), OXSolutionStatus::Infeasible);
+  EXPECT_EQ(m.ownStatus(), OXSolutionStatus::Infeasible);
+}
+
 TEST(Semantics, OneDoubleInAnArrayMakesAllElementsDoubles) {
   SurprisingModel m;
   EXPECT_NE(m.constant(1), m.constant(1.0));

@@ -250,7 +250,8 @@ bool Propagation::evaluateConstraint(Dag& dag, std::uint32_t id) {
 
   tInfeasibility.violationSum =
       wrappingAdd(tInfeasibility.violationSum, node.violationDelta(dag, id));
-  const std::int64_t delta = dag.values[id].intValue - tValue;
+  // Counted by what is violated: a conditional over numbers can be posted, and is 5 when it holds.
+  const std::int64_t delta = (tValue == 0 ? 1 : 0) - (dag.values[id].intValue == 0 ? 1 : 0);
   if (delta != 0) {
     tInfeasibility.nbViolated += delta;
     if (isEqualityType(fields.types[id])) tInfeasibility.nbViolatedEqualities += delta;

@@ -286,6 +286,22 @@ TEST(Propagation, countsTheInfeasibilityOfInactiveConstraints) {
   expectConsistent(*dag);
 }
 
+// A conditional over numbers can be posted as a constraint.
+TEST(Propagation, constraintOfAnyNumberCountsAsOne) {
+  GraphBuilder g;
+  const auto a = g.boolean();
+  const auto b = g.boolean();
+  g.constraint(g.node(NodeType::If, {a, g.constant(5), g.constant(0)}));
+  g.constraint(g.node(NodeType::DoubleIf, {a, g.doubleConstant(2.5), g.doubleConstant(0.0)}));
+  g.constraint(b);
+  const auto dag = g.makeDag();
+  EXPECT_EQ(dag->propagation.infeasibility, (Infeasibility{3, 0, 3}));
+  setAndAccept(*dag, a, 1);
+  EXPECT_EQ(dag->propagation.infeasibility, (Infeasibility{1, 0, 1}));
+  setAndAccept(*dag, a, 0);
+  EXPECT_EQ(dag->propagation.infeasibility, (Infeasibility{3, 0, 3}));
+}
+
 TEST(Propagation, violatedDoubleEqualityCountsAsOneWhileItsSumStays) {
   GraphBuilder g;
   const auto x = g.floating(0, 10);
