@@ -1,6 +1,7 @@
 #include "api/oxexpression.h"
 
 #include <algorithm>
+#include <limits>
 #include <sstream>
 
 #include "api/checks.h"
@@ -19,6 +20,12 @@ namespace {
 constexpr std::int32_t kSentinel = -1;
 constexpr std::int32_t kFirstCapacity = 4;
 
+/// Twice the room and two more slots, as far as 32 bits can count them.
+std::int32_t grownCapacity(std::int32_t position) {
+  constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
+  return position < largest / 2 ? 2 * position + 2 : largest;
+}
+
 }  // namespace
 
 OXExpression::OXExpression(OXModel* owner, int position, OXOperator operation)
@@ -33,7 +40,7 @@ void OXExpression::appendOperand(std::int32_t operandIndex) {
       growOperands(data.inlineOperands, kFirstCapacity);
     } else if (data.operandArray[position] == kSentinel) {
       std::int32_t* outgrown = data.operandArray;
-      growOperands(outgrown, 2 * position + 2);
+      growOperands(outgrown, grownCapacity(position));
       delete[] outgrown;
     }
     data.operandArray[position] = operandIndex;

@@ -10,6 +10,7 @@
 
 namespace ombrix {
 
+/// What the failures of an element say: the type of the node, and the operation that met it.
 struct AtNames {
   static constexpr const char* kOperator = "at";
   static constexpr Where kComputeValue = OMBRIX_HERE("NodeAt::computeValue");

@@ -7,6 +7,7 @@
 
 namespace ombrix {
 
+/// The sense of a maximum: a larger term is beyond a smaller one.
 struct DoubleMaxSense {
   static constexpr bool kIsMax = true;
   static constexpr double kWorst = -std::numeric_limits<double>::infinity();

@@ -7,6 +7,7 @@
 
 namespace ombrix {
 
+/// The sense of a minimum: a smaller term is beyond a larger one.
 struct DoubleMinSense {
   static constexpr bool kIsMax = false;
   static constexpr double kWorst = std::numeric_limits<double>::infinity();
