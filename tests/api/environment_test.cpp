@@ -136,6 +136,29 @@ TEST(EnvironmentTest, AnEmptyModelIsRefusedByTheClosing) {
   EXPECT_EQ(fresh.getState(), OXState::Modeling);
 }
 
+TEST(EnvironmentTest, TypesAreWorkedOutAnew) {
+  Ombrix solver;
+  OXModel& model = *solver.getModel();
+  OXExpression* half = model.createConstant(0.5);
+  OXExpression* sum =
+      model.createExpression(OXOperator::Sum, model.createExpression(OXOperator::Bool), half);
+  model.addObjective(sum, OXObjectiveDirection::Minimize);
+  model.close();
+  model.open();
+  sum->setOperand(1, 2);
+  model.close();
+  ASSERT_TRUE(sum->isDouble());
+  for (const std::string& extension : kExtensions) {
+    const TemporaryFile file("", extension);
+    solver.saveEnvironment(file.path());
+    Ombrix fresh;
+    expectFailure(2, "OXParam::setDoubleObjectiveBound",
+                  "Cannot use this method. The given expression must be double.",
+                  [&] { fresh.loadEnvironment(file.path()); });
+    EXPECT_TRUE(fresh.getModel()->getExpression(2)->isInt());
+  }
+}
+
 TEST(EnvironmentTest, FilesThatCannotBeOpenedAreNamed) {
   Ombrix solver;
   for (const std::string extension : {"oxm", "oxm.gz"}) {
