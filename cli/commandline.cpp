@@ -40,6 +40,7 @@ constexpr const char* kSolveFooter =
     "  ombrix solve model.opb --time 60 --threads 4 --solution best.txt\n"
     "  ombrix solve model.opb.gz --time 20 --output pb\n"
     "  ombrix solve model.opb --phase time=10,iterations=1000000 --phase time=50\n"
+    "  ombrix solve model.opb --time 60 --bound 0=1250\n"
     "  ombrix solve model.opb --iterations 1000000 --seed 7 --set syncIterations=10000\n"
     "  ombrix solve model.opb --time 60 --save state.oxb.gz\n"
     "  ombrix solve model.opb --time 60 --stats run.json --trace\n"
@@ -79,10 +80,11 @@ Number parseNumber(std::string_view text, Number lowest, const std::string& cont
 
 /// "KEY=VALUE" in two.
 std::pair<std::string, std::string> splitAssignment(const std::string& text,
-                                                    const std::string& option) {
+                                                    const std::string& option,
+                                                    const std::string& form = "KEY=VALUE") {
   const std::size_t equal = text.find('=');
   if (equal == std::string::npos || equal == 0) {
-    throw InputError(option + ": found \"" + text + "\", expected KEY=VALUE");
+    throw InputError(option + ": found \"" + text + "\", expected " + form);
   }
   return {text.substr(0, equal), text.substr(equal + 1)};
 }
@@ -169,6 +171,10 @@ public:
       const auto [key, value] = splitAssignment(text, "--set");
       line.advancedParams.emplace_back(key, parseNumber<int>(value, INT_MIN, "--set " + key));
     }
+    for (const std::string& text : bounds) {
+      const auto [objective, value] = splitAssignment(text, "--bound", "I=VALUE");
+      line.objectiveBounds.emplace_back(parseNumber<int>(objective, 0, "--bound"), value);
+    }
     if (trace) line.advancedParams.emplace_back("traceEnabled", 1);
     for (const std::string& text : phaseTexts) line.phases.push_back(parsePhase(text));
     if (line.phases.empty()) line.phases.push_back(single);
@@ -209,6 +215,12 @@ private:
     CLI::Option* objective = solve->add_option("--objective", single.objective,
                                                "The index of the objective to optimise");
     objective->check(CLI::Range(0, INT_MAX))->excludes(phases)->type_name("I");
+    solve
+        ->add_option("--bound", bounds,
+                     "Take objective I for reached at VALUE and end the search there; may be given "
+                     "repeatedly")
+        ->type_name("I=VALUE")
+        ->allow_extra_args(false);
     solve->add_option("--threads", line.threads, "Number of search threads, 2 if not given")
         ->check(CLI::Range(1, 1024))
         ->type_name("N");
@@ -275,6 +287,7 @@ private:
   bool trace = false;
   std::vector<std::string> phaseTexts;
   std::vector<std::string> assignments;
+  std::vector<std::string> bounds;
 };
 
 }  // namespace

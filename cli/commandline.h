@@ -33,6 +33,9 @@ struct CommandLine {
   std::optional<int> verbosity;
   std::optional<int> displayEvery;
   std::vector<std::pair<std::string, int>> advancedParams;
+  /// Objectives by their index, and the number at which each counts as reached, as it was written:
+  /// whether it must be an integer depends on the objective.
+  std::vector<std::pair<int, std::string>> objectiveBounds;
   std::optional<std::string> solutionFile;
   /// Where solve keeps the environment with its solution.
   std::optional<std::string> environmentFile;

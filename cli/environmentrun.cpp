@@ -44,6 +44,7 @@ private:
     loadEnvironmentFile(line.model, solver);
     setAdvancedParams();
     applyParameters(line, solver);
+    setObjectiveBounds(line, solver);
     if (!line.hasPhases()) return;
     SolverRecord::clearPhases(solver);
     createPhases(line, solver);

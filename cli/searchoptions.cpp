@@ -1,6 +1,7 @@
 #include "cli/searchoptions.h"
 
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <filesystem>
 #include <optional>
@@ -23,7 +24,32 @@ bool isSameFile(const std::string& a, const std::string& b) {
          fs::weakly_canonical(fs::absolute(b, ignored), ignored);
 }
 
+template <typename Number>
+Number boundFrom(const std::string& text, const std::string& expected) {
+  Number number{};
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number);
+  if (result.ec == std::errc() && result.ptr == end && number == number) return number;
+  throw InputError("--bound: found \"" + text + "\", expected " + expected);
+}
+
 }  // namespace
+
+void setObjectiveBounds(const CommandLine& line, Ombrix& solver) {
+  const OXModel& model = *solver.getModel();
+  OXParam& param = *solver.getParam();
+  for (const auto& [index, text] : line.objectiveBounds) {
+    if (index >= model.getNbObjectives()) {
+      throw InputError("--bound: found objective " + std::to_string(index) + ", expected one of " +
+                       std::to_string(model.getNbObjectives()) + ", counted from 0");
+    }
+    if (model.getObjective(index)->isDouble()) {
+      param.setObjectiveBound(index, boundFrom<double>(text, "a number"));
+    } else {
+      param.setObjectiveBound(index, boundFrom<long long>(text, "an integer of 64 bits"));
+    }
+  }
+}
 
 void applyParameters(const CommandLine& line, Ombrix& solver) {
   OXParam& param = *solver.getParam();

@@ -11,6 +11,10 @@ namespace ombrix::cli {
 /// keeps its value.
 void applyParameters(const CommandLine& line, Ombrix& solver);
 
+/// Sets the bounds of objectives that the command line gives. An InputError for an objective that
+/// the model does not have and for a number that its type cannot take.
+void setObjectiveBounds(const CommandLine& line, Ombrix& solver);
+
 /// Adds the phases of the command line.
 void createPhases(const CommandLine& line, Ombrix& solver);
 

@@ -52,6 +52,7 @@ private:
     applyParameters(line, solver);
     // What the signs of the coefficients prove lets the search end there, and end as optimal.
     solver.getParam()->setObjectiveBound(0, static_cast<long long>(builder.getObjectiveLimit()));
+    setObjectiveBounds(line, solver);
   }
 
   void searchForCompetition() {
@@ -74,7 +75,9 @@ private:
 
   void printForCompetition() const {
     if (hasSolution()) {
-      const bool isOptimum = status == OXSolutionStatus::Optimal && file.hasObjective;
+      // A bound that was asked for proves nothing.
+      const bool isOptimum =
+          status == OXSolutionStatus::Optimal && file.hasObjective && line.objectiveBounds.empty();
       std::cout << (isOptimum ? "s OPTIMUM FOUND\n" : "s SATISFIABLE\n")
                 << valueLines(file.names, values);
     } else if (status == OXSolutionStatus::Inconsistent) {

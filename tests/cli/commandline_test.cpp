@@ -75,6 +75,10 @@ TEST(CommandLine, ReadsEveryOption) {
                                   "3",
                                   "--objective",
                                   "0",
+                                  "--bound",
+                                  "0=-12.5",
+                                  "--bound",
+                                  "1=9",
                                   "--set",
                                   "a=1",
                                   "--set",
@@ -101,6 +105,8 @@ TEST(CommandLine, ReadsEveryOption) {
   EXPECT_EQ(line.output, OutputForm::Pb);
   const std::vector<std::pair<std::string, int>> expected{{"a", 1}, {"b", -2}};
   EXPECT_EQ(line.advancedParams, expected);
+  const std::vector<std::pair<int, std::string>> bounds{{0, "-12.5"}, {1, "9"}};
+  EXPECT_EQ(line.objectiveBounds, bounds);
 }
 
 TEST(CommandLine, SeveralPhases) {
@@ -192,6 +198,9 @@ TEST(CommandLine, WhatIsNotUnderstoodIsRefusedInOneLine) {
                                                        {"solve", "m", "--seed", "-1"},
                                                        {"solve", "m", "--annealing-level", "10"},
                                                        {"solve", "m", "--verbosity", "-1"},
+                                                       {"solve", "m", "--bound", "9"},
+                                                       {"solve", "m", "--bound", "-1=9"},
+                                                       {"solve", "m", "--bound", "x=9"},
                                                        {"solve", "m", "--display-every", "0"},
                                                        {"solve", "m", "--unknown"},
                                                        {"info", "m", "--time", "3"},

@@ -194,6 +194,24 @@ class Plain(ProgramTest):
         self.assertIn("seed = 5, nb threads = 1, annealing level = 3", result.stdout)
         self.assertIn("someKey = 4", result.stdout)
 
+    def test_a_bound_ends_the_search_where_it_is_reached(self):
+        result = self.solve(COVER, "--time", "60", "--bound", "0=4")
+        self.assertIn("Status: optimal", result.stdout)
+        self.assertEqual(result.returncode, 0, result)
+        result = self.solve(COVER, "--bound", "0=4", "--output", "pb")
+        self.assertIn("s SATISFIABLE\n", result.stdout)
+
+    def test_a_bound_that_the_objective_cannot_take_is_refused(self):
+        self.assert_failure(
+            self.solve(COVER, "--bound", "1=4"),
+            "--bound: found objective 1, expected one of 1, counted from 0",
+        )
+        for wrong in ("1.5", "", "x", "99999999999999999999"):
+            self.assert_failure(
+                self.solve(COVER, "--bound", "0=" + wrong),
+                '--bound: found "%s", expected an integer of 64 bits' % wrong,
+            )
+
     def test_the_same_seed_gives_the_same_run(self):
         name = os.path.join(DATA, "mkp5x100.opb")
         options = ("solve", name, "--iterations", "50000", "--verbosity", "0", "--seed", "3")
