@@ -497,6 +497,17 @@ TEST(Semantics, AConditionalOverNumbersHidesNoViolatedConstraint) {
   EXPECT_EQ(m.ownStatus(), OXSolutionStatus::Infeasible);
 }
 
+TEST(Semantics, AConditionalAtMinusZeroIsAViolatedConstraint) {
+  SurprisingModel m;
+  OXExpression* a = m.boolean();
+  OXExpression* minusZero = m.make(OXOperator::Prod, m.boolean(), -1.0);
+  m.constrain(m.make(OXOperator::Iif, a, minusZero, 1.0));
+  m.maximize(a);
+  m.minimize(minusZero);
+  ASSERT_TRUE(isFeasible(m.solve()));
+  EXPECT_TRUE(isFeasible(m.ownStatus()));
+}
+
 TEST(Semantics, OneDoubleInAnArrayMakesAllElementsDoubles) {
   SurprisingModel m;
   EXPECT_NE(m.constant(1), m.constant(1.0));

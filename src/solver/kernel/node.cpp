@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "common/failure.h"
+#include "solver/kernel/constraintvalue.h"
 #include "solver/kernel/dag.h"
 
 namespace ombrix {
@@ -70,11 +71,11 @@ bool Node::pickForTarget(const Dag&, std::uint32_t, std::uint32_t&, OXValue&, st
 }
 
 std::int64_t Node::violation(const Dag& dag, std::uint32_t id) const {
-  return dag.values[id].intValue == 0 ? 1 : 0;
+  return isViolated(*dag.fixedFields, id, dag.values[id]) ? 1 : 0;
 }
 
 std::int64_t Node::violationDelta(const Dag& dag, std::uint32_t id) const {
-  return (dag.tValues[id].intValue == 0 ? 1 : 0) - violation(dag, id);
+  return (isViolated(*dag.fixedFields, id, dag.tValues[id]) ? 1 : 0) - violation(dag, id);
 }
 
 std::uint32_t Node::nbNotMaxNodes(const Dag&, std::uint32_t) const {

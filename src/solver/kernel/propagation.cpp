@@ -6,6 +6,7 @@
 #include <string>
 
 #include "common/failure.h"
+#include "solver/kernel/constraintvalue.h"
 #include "solver/kernel/dag.h"
 #include "solver/kernel/largepages.h"
 #include "solver/kernel/saturating.h"
@@ -76,7 +77,7 @@ void Propagation::initConstraints(const Dag& dag) {
     const std::uint32_t id = fields.constraints[i];
     infeasibility.violationSum =
         wrappingAdd(infeasibility.violationSum, dag.nodes[id]->violation(dag, id));
-    if (dag.values[id].intValue != 0) continue;
+    if (!isViolated(fields, id, dag.values[id])) continue;
     violatedConstraints.add(i);
     ++infeasibility.nbViolated;
     if (isEqualityType(fields.types[id])) ++infeasibility.nbViolatedEqualities;
@@ -242,16 +243,17 @@ bool Propagation::evaluateConstraint(Dag& dag, std::uint32_t id) {
   const DagFixedFields& fields = *dag.fixedFields;
   Node& node = *dag.nodes[id];
   node.eval(dag, id);
-  const std::int64_t tValue = dag.tValues[id].intValue;
+  const bool isTViolated = isViolated(fields, id, dag.tValues[id]);
   if (activeConstraints.isFull() ||
       activeConstraints.contains(fields.linksOf(id)[kConstraintIndex])) {
-    return tValue != 0;
+    return !isTViolated;
   }
 
   tInfeasibility.violationSum =
       wrappingAdd(tInfeasibility.violationSum, node.violationDelta(dag, id));
   // Counted by what is violated: a conditional over numbers can be posted, and is 5 when it holds.
-  const std::int64_t delta = (tValue == 0 ? 1 : 0) - (dag.values[id].intValue == 0 ? 1 : 0);
+  const std::int64_t delta =
+      (isTViolated ? 1 : 0) - (isViolated(fields, id, dag.values[id]) ? 1 : 0);
   if (delta != 0) {
     tInfeasibility.nbViolated += delta;
     if (isEqualityType(fields.types[id])) tInfeasibility.nbViolatedEqualities += delta;
@@ -321,10 +323,10 @@ void Propagation::updateViolated(const Dag& dag, std::uint32_t constraint) {
   if (activeConstraints.isFull()) return;
   const std::uint32_t index = dag.fixedFields->linksOf(constraint)[kConstraintIndex];
   if (activeConstraints.contains(index)) return;
-  if (dag.values[constraint].intValue != 0) {
-    violatedConstraints.remove(index);
-  } else {
+  if (isViolated(*dag.fixedFields, constraint, dag.values[constraint])) {
     violatedConstraints.add(index);
+  } else {
+    violatedConstraints.remove(index);
   }
 }
 
@@ -398,7 +400,7 @@ void Propagation::synchronize(Dag& dag) {
 // ---- activation
 
 void Propagation::activateConstraint(Dag& dag, std::uint32_t node) {
-  if (dag.values[node].intValue == 0) {
+  if (isViolated(*dag.fixedFields, node, dag.values[node])) {
     fail(kInternal, OMBRIX_HERE("Propagation::activateConstraint"),
          "Cannot activate a violated constraint with nodeId #" + std::to_string(node));
   }

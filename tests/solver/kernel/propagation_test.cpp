@@ -302,6 +302,36 @@ TEST(Propagation, constraintOfAnyNumberCountsAsOne) {
   EXPECT_EQ(dag->propagation.infeasibility, (Infeasibility{3, 0, 3}));
 }
 
+TEST(Propagation, constraintAtMinusZeroIsViolated) {
+  GraphBuilder g;
+  const auto a = g.boolean();
+  const auto minusZero = g.doubleConstant(-0.0);
+  const auto choice =
+      g.constraint(g.node(NodeType::DoubleIf, {a, g.doubleConstant(1.0), minusZero}));
+  const auto dag = g.makeDag();
+  Propagation& p = dag->propagation;
+  EXPECT_EQ(p.infeasibility, (Infeasibility{1, 0, 1}));
+  EXPECT_NE(failureOf([&] { p.activateConstraint(*dag, choice); }), "no failure");
+  setAndAccept(*dag, a, 1);
+  EXPECT_EQ(p.infeasibility, (Infeasibility{0, 0, 0}));
+  EXPECT_EQ(p.violatedConstraints.size(), 0u);
+  setAndAccept(*dag, a, 0);
+  EXPECT_EQ(p.infeasibility, (Infeasibility{1, 0, 1}));
+  EXPECT_EQ(p.violatedConstraints.size(), 1u);
+  setAndAccept(*dag, a, 1);
+  p.activateAllConstraints();
+  p.setValue(*dag, a, std::int64_t{0});
+  EXPECT_FALSE(p.evaluateConstraints(*dag));
+  p.reject(*dag);
+}
+
+TEST(Propagation, constraintAtTheSmallestIntegerHolds) {
+  GraphBuilder g;
+  const auto smallest = g.constant(std::numeric_limits<std::int64_t>::min());
+  g.constraint(g.node(NodeType::If, {g.boolean(), g.constant(0), smallest}));
+  EXPECT_EQ(g.makeDag()->propagation.infeasibility, (Infeasibility{0, 0, 0}));
+}
+
 TEST(Propagation, violatedDoubleEqualityCountsAsOneWhileItsSumStays) {
   GraphBuilder g;
   const auto x = g.floating(0, 10);
