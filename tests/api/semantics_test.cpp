@@ -439,6 +439,21 @@ TEST(Semantics, OppositeInfinitiesAreNoNumberWhenReadAndFailInTheSearch) {
             "5 Cannot compute the sum of two opposite infinite numbers");
 }
 
+TEST(Semantics, InfiniteFactorsAndTermsAreReadAndFailInTheSearch) {
+  for (const OXOperator op : {OXOperator::Prod, OXOperator::Max, OXOperator::Min}) {
+    SurprisingModel m;
+    OXExpression* e = m.make(op, infinity(m), 2.0);
+    m.maximize(e);
+    m.close();
+    m.model().getDecision(0)->setValue(1);
+    EXPECT_EQ(e->getDoubleValue(), op == OXOperator::Min ? 2.0 : kInfinity);
+    m.model().getDecision(0)->setValue(0);
+    EXPECT_EQ(failureOf([&] { m.solve(); }),
+              op == OXOperator::Prod ? "5 Cannot compute the product of zero and infinity"
+                                     : "5 Cannot compute product of zero and infinity");
+  }
+}
+
 TEST(Semantics, ZeroTimesInfinityFailsEverywhere) {
   SurprisingModel m;
   OXExpression* high = infinity(m);
