@@ -154,6 +154,22 @@ TEST(Semantics, ADoubleDivisorInADoubleSumIsACoefficient) {
   EXPECT_EQ(searchHalfInSum(2.0), 1.5);
 }
 
+// A double that is only an integer.
+
+TEST(Semantics, AnIntegerInDisguiseIsComparedExactly) {
+  for (const int isReplaced : {0, 1}) {
+    SurprisingModel m;
+    m.set("findUnariesEnabled", isReplaced);
+    OXExpression* sum = m.make(OXOperator::Sum, m.make(OXOperator::Prod, 1000000, m.boolean()),
+                               m.make(OXOperator::Prod, 2000000, m.boolean()));
+    m.constrain(m.make(OXOperator::Gt, m.make(OXOperator::Sum, sum, 0.0), 999999));
+    m.minimize(sum);
+    ASSERT_TRUE(isFeasible(m.solve()));
+    EXPECT_EQ(sum->getIntValue(), isReplaced ? 1000000 : 2000000);
+    EXPECT_EQ(isFeasible(m.ownStatus()), !isReplaced);
+  }
+}
+
 // A constraint that decides itself.
 
 /// Builds "3 * and(x, y) <= 2, maximise x + y" and returns the sum after the search.
