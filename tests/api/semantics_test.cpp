@@ -170,6 +170,41 @@ TEST(Semantics, AnIntegerInDisguiseIsComparedExactly) {
   }
 }
 
+// Doubles that the tolerance takes for constants.
+
+TEST(Semantics, ADoubleAsNarrowAsTheToleranceIsTakenForItsLowerEnd) {
+  for (const int isComputed : {0, 1}) {
+    SurprisingModel m;
+    m.set("computeBoundsEnabled", isComputed);
+    OXExpression* large = m.make(OXOperator::Sum, 2000000.0, m.boolean());
+    OXExpression* e = m.make(OXOperator::Sum, large, -2000000.0);
+    m.maximize(e);
+    ASSERT_TRUE(isFeasible(m.solve()));
+    EXPECT_EQ(m.ownDouble(e), isComputed ? 0.0 : 1.0);
+  }
+}
+
+TEST(Semantics, AProductWithATinyConstantIsTakenForZero) {
+  for (const int isFound : {0, 1}) {
+    SurprisingModel m;
+    m.set("findConstantsEnabled", isFound);
+    OXExpression* large = m.make(OXOperator::Prod, 1000000000, m.boolean());
+    OXExpression* e = m.make(OXOperator::Prod, 1e-7, large);
+    m.maximize(e);
+    ASSERT_TRUE(isFeasible(m.solve()));
+    EXPECT_EQ(m.ownDouble(e), isFound ? 0.0 : 100.0);
+  }
+}
+
+TEST(Semantics, AQuotientByALargeConstantIsNot) {
+  SurprisingModel m;
+  OXExpression* large = m.make(OXOperator::Prod, 1000000000, m.boolean());
+  OXExpression* e = m.make(OXOperator::Div, large, 1e7);
+  m.maximize(e);
+  ASSERT_TRUE(isFeasible(m.solve()));
+  EXPECT_EQ(m.ownDouble(e), 100.0);
+}
+
 // A constraint that decides itself.
 
 /// Builds "3 * and(x, y) <= 2, maximise x + y" and returns the sum after the search.
