@@ -14,6 +14,9 @@ RUNS.csv gets one line for each run and each time of --seconds. Only the longest
 shorter one reached is read from the improvements of the same run, and its column "run_seconds" says so
 (--separate searches each time on its own). Runs that stand in the file already are passed over, so hours of
 runs can be cut into sessions; --budget ends a session. report_instances.py makes tables and plots of it.
+
+--stop-at-best ends a run where it reaches a best known value that is proved: searching on cannot change its
+line but for the counters. Models that scale the decimal numbers of their files search on.
 """
 import argparse
 import csv
@@ -35,6 +38,8 @@ COLUMNS = ("family", "file", "sense", "best_known", "seed", "threads", "seconds"
 LOOPS = {"coloring": (re.compile(r"^looking for (\d+) colours"), 1)}
 # The told objective of these prices what the answer repairs: it is an upper bound.
 UPPER_BOUNDS = ("scp", "scp_rail", "scp_sts")
+# Here the second objective only leads the search on: any value of it will do.
+GUIDED = {"binpacking": "1=0", "steelmill": "1=0"}
 STATUS = {0: "feasible", 2: "none found", 3: "inconsistent"}
 POINTS_PER_FACTOR_TEN = 12
 
@@ -106,6 +111,20 @@ def trajectory(improvements):
     return [point for _, point in kept]
 
 
+def goal(row, options):
+    """The value at which a run may end, or nothing."""
+    return row["best_known"] if options.stop_at_best and row["optimal"] == "yes" else ""
+
+
+def bounds(row, options):
+    """The same as arguments of ombrix solve, where its objective is the integer of the file."""
+    value = goal(row, options)
+    if not re.fullmatch(r"-?\d+", value):
+        return []
+    second = GUIDED.get(row["family"])
+    return ["--bound", "0=" + value] + (["--bound", second] if second else [])
+
+
 def new_line(row, seed, seconds, options):
     line = dict.fromkeys(COLUMNS, "")
     line.update({key: row[key] for key in ("family", "file", "sense", "best_known")})
@@ -134,7 +153,7 @@ def solve_in_loop(row, seed, seconds, options, folder):
     path, solution = os.path.join(options.instances, row["file"]), os.path.join(folder, "solution")
     status, out, points = follow(
         [os.path.join(options.build, "bench", "bench_models"), "solve", row["family"], path, str(seconds),
-         str(seed), str(options.threads), solution], pattern, 5 * seconds + 900)
+         str(seed), str(options.threads), solution] + [goal(row, options) or "-"], pattern, 5 * seconds + 900)
     if status != 0:
         line["status"] = "error: " + last_line(out, "status %s" % status)
         return line, []
@@ -162,7 +181,7 @@ def solve(row, model, seed, seconds, options, folder):
             os.remove(name)
     command = [os.path.join(options.build, "cli", "ombrix"), "solve", model, "--time", str(seconds),
                "--threads", str(options.threads), "--seed", str(seed), "--solution", solution,
-               "--stats", statistics] + options.arguments
+               "--stats", statistics] + bounds(row, options) + options.arguments
     status, _, err = run(command, 5 * seconds + 900)
     line = new_line(row, seed, seconds, options)
     if status not in STATUS:
@@ -284,6 +303,7 @@ def parse_arguments(arguments):
     parser.add_argument("--threads", type=int, default=2)
     parser.add_argument("--families", type=lambda text: text.split(","), help="all by default")
     parser.add_argument("--limit", type=int, help="instances per family")
+    parser.add_argument("--stop-at-best", action="store_true", help="end runs at a proved best known value")
     parser.add_argument("--budget", type=float, help="minutes after which no run is begun")
     parser.add_argument("arguments", nargs="*", help="behind --: further arguments of ombrix solve")
     return parser.parse_args(arguments)

@@ -1,6 +1,6 @@
 // Graph colouring: give every vertex a colour, different ones to adjacent vertices, with as few
 // colours as possible. A greedy colouring comes first; then a model for one colour less is solved,
-// again and again, until the time is over.
+// again and again, until the time is over or the best known number is reached.
 //
 // File: "c" comments, "p edge VERTICES EDGES" (or "p col"), "e U V" for each edge, vertices from 1.
 
@@ -123,8 +123,9 @@ void run(const examples::Arguments& arguments) {
   const auto secondsLeft = [&] {
     return static_cast<int>(std::chrono::ceil<std::chrono::seconds>(end - Clock::now()).count());
   };
+  const auto goal = static_cast<std::size_t>(std::max(arguments.bestKnown.value_or(1), 1.0));
   Colouring best = colourGreedily(graph);
-  while (nbColours(best) > 1 && secondsLeft() > 0) {
+  while (nbColours(best) > goal && secondsLeft() > 0) {
     std::cout << "looking for " << nbColours(best) - 1 << " colours" << std::endl;
     const Colouring better = colourWith(graph, nbColours(best) - 1, best, secondsLeft());
     if (better.empty()) break;

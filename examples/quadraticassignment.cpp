@@ -86,6 +86,8 @@ void run(const examples::Arguments& arguments) {
   OXExpression* cost = createCost(model, instance, examples::createChosenColumns(model, isAt));
   model.addObjective(cost, OXObjectiveDirection::Minimize);
   model.close();
+  // The valleys are many and flat: a search that goes back further ends lower.
+  solver.getParam()->setAnnealingLevel(9);
   examples::solveFor(solver, arguments.seconds);
   examples::report(solver, arguments, static_cast<double>(cost->getIntValue()),
                    examples::chosenColumns(isAt));

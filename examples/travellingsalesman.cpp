@@ -168,6 +168,8 @@ void run(const examples::Arguments& arguments) {
   OXExpression* length = createLength(model, instance, examples::createChosenColumns(model, isAt));
   model.addObjective(length, OXObjectiveDirection::Minimize);
   model.close();
+  // The valleys are many: a search that goes back further ends lower.
+  solver.getParam()->setAnnealingLevel(9);
   startAtNearestNeighbours(instance, isAt);
   examples::solveFor(solver, arguments.seconds);
   examples::report(solver, arguments, static_cast<double>(length->getIntValue()),

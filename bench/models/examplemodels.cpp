@@ -67,7 +67,8 @@ int solveExample(const std::string& example, const std::string& instance,
     solver.getPhase(0)->setTimeLimit(seconds);
     solver.solve();
   });
-  return runMain(example, {instance, std::to_string(options.seconds), "-", solutionFile});
+  return runMain(example,
+                 {instance, std::to_string(options.seconds), options.bestKnown, solutionFile});
 }
 
 }  // namespace bench

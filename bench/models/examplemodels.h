@@ -15,6 +15,7 @@ struct SearchOptions {
   int seconds = 0;
   int seed = 0;
   int threads = 1;
+  std::string bestKnown = "-";  ///< for the program to print, and maybe to stop at; "-" for none
 };
 
 /// Runs an example program whole, with this seed and these threads in each of its searches. The

@@ -68,13 +68,14 @@ int solve(const std::string& family, const std::string& instance,
 
 int run(const std::vector<std::string>& words) {
   if (words.size() == 3) return save(words[0], words[1], words[2]);
-  if (words.size() == 7 && words[0] == "solve") {
+  if ((words.size() == 7 || words.size() == 8) && words[0] == "solve") {
     const bench::SearchOptions options{std::stoi(words[3]), std::stoi(words[4]),
-                                       std::stoi(words[5])};
+                                       std::stoi(words[5]), words.size() == 8 ? words[7] : "-"};
     return solve(words[1], words[2], options, words[6]);
   }
   std::cerr << "usage: bench_models FAMILY INSTANCE ENVIRONMENT\n"
-               "       bench_models solve FAMILY INSTANCE SECONDS SEED THREADS SOLUTION\n";
+               "       bench_models solve FAMILY INSTANCE SECONDS SEED THREADS SOLUTION "
+               "[BEST_KNOWN]\n";
   return EXIT_FAILURE;
 }
 

@@ -20,7 +20,8 @@ final class ExampleProgram {
 
   final String instance;
   int seconds = 10;
-  private Double bestKnown;
+  /** Null for none. */
+  Double bestKnown;
   /** Null for none. */
   Path solutionFile;
 

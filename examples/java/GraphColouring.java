@@ -128,8 +128,9 @@ public final class GraphColouring {
   private static void run(ExampleProgram program) throws IOException {
     GraphColouring graph = new GraphColouring(program.instance);
     long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(program.seconds);
+    int goal = program.bestKnown == null ? 1 : (int) Math.max(program.bestKnown, 1);
     int[] best = graph.colourGreedily();
-    for (long left = end - System.nanoTime(); left > 0 && nbColours(best) > 1;
+    for (long left = end - System.nanoTime(); left > 0 && nbColours(best) > goal;
         left = end - System.nanoTime()) {
       int nbAllowed = nbColours(best) - 1;
       System.out.println("looking for " + nbAllowed + " colours");

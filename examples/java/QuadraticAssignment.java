@@ -91,6 +91,8 @@ public final class QuadraticAssignment {
           instance.createCost(model, ExampleProgram.createChosenColumns(model, isAt));
       model.addObjective(cost, OXObjectiveDirection.Minimize);
       model.close();
+      // The valleys are many and flat: a search that goes back further ends lower.
+      solver.getParam().setAnnealingLevel(9);
       program.solve(solver);
       program.report(solver, cost.getIntValue(), ExampleProgram.chosenColumns(isAt));
     }

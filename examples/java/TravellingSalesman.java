@@ -175,6 +175,8 @@ public final class TravellingSalesman {
           instance.createLength(model, ExampleProgram.createChosenColumns(model, isAt));
       model.addObjective(length, OXObjectiveDirection.Minimize);
       model.close();
+      // The valleys are many: a search that goes back further ends lower.
+      solver.getParam().setAnnealingLevel(9);
       instance.startAtNearestNeighbours(isAt);
       program.solve(solver);
       program.report(solver, length.getIntValue(), ExampleProgram.chosenColumns(isAt));
