@@ -563,6 +563,23 @@ TEST(Semantics, AConditionalOverNumbersHidesNoViolatedConstraint) {
   EXPECT_EQ(m.ownStatus(), OXSolutionStatus::Infeasible);
 }
 
+TEST(Semantics, AConditionalThatCannotBeOneMakesTheModelInconsistent) {
+  SurprisingModel m;
+  OXExpression* conditional = m.make(OXOperator::Iif, m.boolean(), 2, 3);
+  m.constrain(conditional);
+  m.minimize(conditional);
+  EXPECT_EQ(m.solve(), OXSolutionStatus::Inconsistent);
+}
+
+TEST(Semantics, AComparisonOfAConditionalIsAConstraint) {
+  SurprisingModel m;
+  OXExpression* conditional = m.make(OXOperator::Iif, m.boolean(), 2, 3);
+  m.constrain(m.make(OXOperator::Neq, conditional, 0));
+  m.minimize(conditional);
+  EXPECT_TRUE(isFeasible(m.solve()));
+  EXPECT_EQ(m.ownInt(conditional), 2);
+}
+
 TEST(Semantics, AConditionalAtMinusZeroIsAViolatedConstraint) {
   SurprisingModel m;
   OXExpression* a = m.boolean();
