@@ -2,6 +2,8 @@
 #define OMBRIX_BUILDER_THREADPOOL_H
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <exception>
@@ -24,12 +26,17 @@ namespace ombrix {
 /// one: the data of a task stay in the caches of one processor. What a task throws does not end the
 /// process: the last such exception is kept until the controlling thread asks for it. The
 /// destructor ends and joins all threads; a task that was not yet taken is dropped.
+///
+/// Batches follow one another within microseconds, every ten milliseconds or so. A thread that has
+/// nothing to do therefore looks out for the next batch a little while before it sleeps: threads
+/// that are woken together start on one processor, and it takes the system some milliseconds to
+/// part them.
 template <typename T>
 class ThreadPool {
 public:
   /// Starts the threads and returns when all of them are idle. Code 6 when the system refuses a
   /// thread; those that were started are joined first.
-  explicit ThreadPool(std::size_t nbThreads);
+  explicit ThreadPool(std::size_t size);
   ~ThreadPool();
   ThreadPool(const ThreadPool&) = delete;
   ThreadPool& operator=(const ThreadPool&) = delete;
@@ -41,12 +48,15 @@ public:
   void throwTaskError();
 
 private:
-  void startThreads(std::size_t nbThreads);
+  void startThreads();
   void waitIdle(std::unique_lock<std::mutex>& lock);
   void stopThreads();
   void work();
   /// The next task of a thread, or null when it must end.
   T* takeTask(const T* previous);
+  void awaitWork(std::unique_lock<std::mutex>& lock);
+  bool hasWork() const { return stopping || !tasks.empty(); }
+  bool isIdle() const { return nbIdle == nbThreads && tasks.empty(); }
   void runTask(T& task);
 
   std::condition_variable workAvailable;
@@ -54,15 +64,17 @@ private:
   std::mutex mutex;
   std::vector<T*> tasks;
   std::vector<std::thread> threads;
+  const std::size_t nbThreads;
   bool stopping = false;
+  std::atomic<bool> workSeen = false;  ///< hasWork(), for a look without the mutex
   std::size_t nbIdle = 0;
   std::exception_ptr taskError;
 };
 
 template <typename T>
-ThreadPool<T>::ThreadPool(std::size_t nbThreads) {
+ThreadPool<T>::ThreadPool(std::size_t size) : nbThreads(size) {
   try {
-    startThreads(nbThreads);
+    startThreads();
   } catch (...) {
     stopThreads();
     throw;
@@ -77,7 +89,7 @@ ThreadPool<T>::~ThreadPool() {
 }
 
 template <typename T>
-void ThreadPool<T>::startThreads(std::size_t nbThreads) {
+void ThreadPool<T>::startThreads() {
   threads.reserve(nbThreads);
   for (std::size_t i = 0; i < nbThreads; ++i) {
     try {
@@ -95,6 +107,7 @@ void ThreadPool<T>::stopThreads() {
   {
     std::lock_guard lock(mutex);
     stopping = true;
+    workSeen.store(true, std::memory_order_relaxed);
     workAvailable.notify_all();
   }
   for (std::thread& thread : threads) {
@@ -110,6 +123,7 @@ template <typename T>
 void ThreadPool<T>::enqueue(T* task) {
   std::lock_guard lock(mutex);
   tasks.push_back(task);
+  workSeen.store(true, std::memory_order_relaxed);
   if (nbIdle > 0) workAvailable.notify_one();
 }
 
@@ -121,7 +135,7 @@ void ThreadPool<T>::waitAll() {
 
 template <typename T>
 void ThreadPool<T>::waitIdle(std::unique_lock<std::mutex>& lock) {
-  workerIdle.wait(lock, [this] { return nbIdle == threads.size() && tasks.empty(); });
+  workerIdle.wait(lock, [this] { return isIdle(); });
 }
 
 template <typename T>
@@ -147,10 +161,7 @@ template <typename T>
 T* ThreadPool<T>::takeTask(const T* previous) {
   std::unique_lock lock(mutex);
   ++nbIdle;
-  while (!stopping && tasks.empty()) {
-    workerIdle.notify_one();
-    workAvailable.wait(lock);
-  }
+  while (!hasWork()) awaitWork(lock);
   if (stopping) {
     workerIdle.notify_one();
     return nullptr;
@@ -160,7 +171,25 @@ T* ThreadPool<T>::takeTask(const T* previous) {
   if (own == tasks.end()) --own;
   T* task = *own;
   tasks.erase(own);
+  workSeen.store(hasWork(), std::memory_order_relaxed);
   return task;
+}
+
+/// Returns when there may be work.
+template <typename T>
+void ThreadPool<T>::awaitWork(std::unique_lock<std::mutex>& lock) {
+  using Clock = std::chrono::steady_clock;
+  constexpr auto kLookOut = std::chrono::milliseconds(5);
+  if (isIdle()) workerIdle.notify_one();
+  lock.unlock();
+  // With more threads than processors, a look-out takes time from threads that still work.
+  const bool mayLookOut = nbThreads <= std::thread::hardware_concurrency();
+  const Clock::time_point end = Clock::now() + (mayLookOut ? kLookOut : Clock::duration::zero());
+  while (!workSeen.load(std::memory_order_relaxed) && Clock::now() < end) {
+    std::this_thread::yield();
+  }
+  lock.lock();
+  workAvailable.wait(lock, [this] { return hasWork(); });
 }
 
 template <typename T>
