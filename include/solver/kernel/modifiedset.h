@@ -1,10 +1,11 @@
 #ifndef OMBRIX_SOLVER_KERNEL_MODIFIEDSET_H
 #define OMBRIX_SOLVER_KERNEL_MODIFIEDSET_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/kernel/largepages.h"
 #include "solver/kernel/subset.h"
 
@@ -18,9 +19,11 @@ template <typename T>
 class ModifiedList {
 public:
   void init(std::uint32_t n) {
-    members = std::make_unique_for_overwrite<T[]>(n);
+    members = makeCacheLineArray<T>(n);
     adviseLargePages(members.get(), n * sizeof(T));
-    words = std::make_unique<std::uint64_t[]>(n / 64 + 1);
+    const std::uint32_t nbWords = n / 64 + 1;
+    words = makeCacheLineArray<std::uint64_t>(nbWords);
+    std::fill_n(words.get(), nbWords, 0);
     nbMembers = 0;
   }
   void clear() {
@@ -52,8 +55,8 @@ public:
   }
 
 private:
-  std::unique_ptr<T[]> members;
-  std::unique_ptr<std::uint64_t[]> words;
+  CacheLineArray<T> members;
+  CacheLineArray<std::uint64_t> words;
   std::uint32_t nbMembers = 0;
 };
 

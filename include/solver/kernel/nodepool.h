@@ -2,8 +2,9 @@
 #define OMBRIX_SOLVER_KERNEL_NODEPOOL_H
 
 #include <cstddef>
-#include <memory>
 #include <vector>
+
+#include "solver/kernel/cacheline.h"
 
 namespace ombrix {
 
@@ -18,7 +19,7 @@ public:
 private:
   void addBlock();
 
-  std::vector<std::unique_ptr<std::byte[]>> blocks;
+  std::vector<CacheLineArray<std::byte>> blocks;
   std::size_t elementSize;
   std::size_t freeInLastBlock = 0;
   std::size_t lastBlockElements = 0;

@@ -3,9 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <utility>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/kernel/largepages.h"
 #include "solver/kernel/subsetoperations.h"
 
@@ -18,7 +18,7 @@ template <typename T>
 class Subset : public SubsetOperations<Subset<T>> {
 public:
   void init(std::uint32_t n) {
-    data = std::make_unique_for_overwrite<T[]>(std::size_t{2} * n);
+    data = makeCacheLineArray<T>(std::size_t{2} * n);
     adviseLargePages(data.get(), std::size_t{2} * n * sizeof(T));
     for (std::uint32_t i = 0; i < n; ++i) {
       data[i] = static_cast<T>(i);
@@ -105,7 +105,7 @@ private:
     positions(n)[data[j]] = static_cast<T>(j);
   }
 
-  std::unique_ptr<T[]> data;
+  CacheLineArray<T> data;
   T nbMembers = 0;
 };
 

@@ -6,6 +6,7 @@
 #include <new>
 #include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/kernel/dag.h"
 #include "solver/kernel/daglistener.h"
 #include "solver/kernel/sparseset.h"
@@ -60,7 +61,8 @@ public:
 private:
   void destroyNodes();
 
-  std::pmr::monotonic_buffer_resource arena;
+  CacheLineResource lines;
+  std::pmr::monotonic_buffer_resource arena{&lines};
 };
 
 }  // namespace ombrix

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/move/distinctsampler.h"
 #include "solver/move/move.h"
 
@@ -21,7 +22,7 @@ private:
   bool balance(std::uint32_t node);
 
   std::uint32_t k;
-  std::vector<std::uint32_t> sample;
+  CacheLineVector<std::uint32_t> sample;
   DistinctSampler sampler;
 };
 

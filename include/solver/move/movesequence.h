@@ -5,6 +5,7 @@
 #include <memory>
 #include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/move/basicmovestructure.h"
 #include "solver/move/move.h"
 
@@ -61,11 +62,11 @@ private:
   std::uint32_t step = 0;
   Move* current = nullptr;
   std::uint32_t nbPerformed = 0;
-  bool isStarted = false;                       ///< between saveStart and finish
-  Infeasibility infeasibility;                  ///< at the start
-  std::vector<OXValue> objectiveValues;         ///< at the start
-  std::vector<std::uint32_t> changedDecisions;  ///< by the steps that were kept
-  std::vector<std::uint64_t> changedBits;       ///< the same, a bit per decision
+  bool isStarted = false;                           ///< between saveStart and finish
+  Infeasibility infeasibility;                      ///< at the start
+  CacheLineVector<OXValue> objectiveValues;         ///< at the start
+  CacheLineVector<std::uint32_t> changedDecisions;  ///< by the steps that were kept
+  CacheLineVector<std::uint64_t> changedBits;       ///< the same, a bit per decision
   std::uint32_t size;
   std::uint32_t level;
   const Heuristic* heuristic;

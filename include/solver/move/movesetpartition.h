@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/kernel/sparseset.h"
 #include "solver/move/basicmovestructure.h"
 #include "solver/move/move.h"
@@ -44,9 +45,9 @@ private:
 
   std::uint32_t maxAttempts = 30;
   BasicMoveStructure* structure;
-  std::span<const std::uint32_t> sets;  ///< the list of each set, ascending
-  std::vector<std::uint8_t> changes;    ///< per set: what the open move did to it
-  SparseSet conflictingSets;            ///< those that were cleared or filled, but not both
+  std::span<const std::uint32_t> sets;    ///< the list of each set, ascending
+  CacheLineVector<std::uint8_t> changes;  ///< per set: what the open move did to it
+  SparseSet conflictingSets;              ///< those that were cleared or filled, but not both
 };
 
 }  // namespace ombrix

@@ -20,7 +20,7 @@ void NodePool::addBlock() {
                                      ? kFirstBlockElements
                                      : std::min(2 * lastBlockElements, kMaxBlockElements);
   // Not value-initialised: the objects write themselves.
-  blocks.emplace_back(new std::byte[nbElements * elementSize]);
+  blocks.push_back(makeCacheLineArray<std::byte>(nbElements * elementSize));
   lastBlockElements = nbElements;
   freeInLastBlock = nbElements;
 }
