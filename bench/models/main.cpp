@@ -9,6 +9,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "examplemodels.h"
@@ -26,6 +27,26 @@ const std::map<std::string, bench::Build>& families() {
       {"golfers", bench::buildGolfers}, {"nurse", bench::buildNurse},
   };
   return kFamilies;
+}
+
+struct Settings {
+  int annealingLevel = 1;
+  std::vector<std::pair<std::string, int>> advanced;
+};
+
+/// What did best in searches of a few seconds on two to four instances of a family. The example
+/// programs set their own.
+const Settings& settingsOf(const std::string& family) {
+  static const std::map<std::string, Settings> kSettings = {
+      {"gap", {3, {{"moveSwapEnabled", 0}}}},
+      {"sscfl", {3, {}}},
+      {"mip01", {9, {}}},
+      {"nurse", {3, {}}},
+      {"steelmill", {3, {}}},
+  };
+  static const Settings kDefault;
+  const auto found = kSettings.find(family);
+  return found == kSettings.end() ? kDefault : found->second;
 }
 
 /// The example program that models a family.
@@ -52,6 +73,11 @@ int save(const std::string& family, const std::string& instance, const std::stri
   ombrix::Ombrix solver;
   build->second(*solver.getModel(), instance);
   solver.getModel()->close();
+  const Settings& settings = settingsOf(family);
+  solver.getParam()->setAnnealingLevel(settings.annealingLevel);
+  for (const auto& [key, value] : settings.advanced) {
+    solver.getParam()->setAdvancedParam(key, value);
+  }
   solver.saveEnvironment(environment);
   std::cout << solver.getModel()->toString();
   return EXIT_SUCCESS;
