@@ -29,6 +29,11 @@ const std::map<std::string, bench::Build>& families() {
   return kFamilies;
 }
 
+/// What gives the closed model of a family a start, where there is one.
+void setStart(const std::string& family, ombrix::OXModel& model, const std::string& instance) {
+  if (family == "sscfl") bench::startSscfl(model, instance);
+}
+
 struct Settings {
   int annealingLevel = 1;
   std::vector<std::pair<std::string, int>> advanced;
@@ -39,7 +44,7 @@ struct Settings {
 const Settings& settingsOf(const std::string& family) {
   static const std::map<std::string, Settings> kSettings = {
       {"gap", {3, {{"moveSwapEnabled", 0}}}},
-      {"sscfl", {3, {}}},
+      {"sscfl", {9, {}}},
       {"mip01", {9, {}}},
       {"nurse", {3, {}}},
       {"steelmill", {3, {}}},
@@ -73,6 +78,7 @@ int save(const std::string& family, const std::string& instance, const std::stri
   ombrix::Ombrix solver;
   build->second(*solver.getModel(), instance);
   solver.getModel()->close();
+  setStart(family, *solver.getModel(), instance);
   const Settings& settings = settingsOf(family);
   solver.getParam()->setAnnealingLevel(settings.annealingLevel);
   for (const auto& [key, value] : settings.advanced) {

@@ -18,6 +18,9 @@ using Build = void (*)(ombrix::OXModel& model, const std::string& fileName);
 void buildGap(ombrix::OXModel& model, const std::string& fileName);
 /// x_c_f: facility f serves customer c.
 void buildSscfl(ombrix::OXModel& model, const std::string& fileName);
+/// Gives the closed model a start with few facilities open: from many the search does not find the
+/// way, as closing one takes a move of each of its customers.
+void startSscfl(ombrix::OXModel& model, const std::string& fileName);
 /// x_v: vertex v is a median.
 void buildPmed(ombrix::OXModel& model, const std::string& fileName);
 /// The names of the columns of the file.
