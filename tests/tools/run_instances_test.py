@@ -13,6 +13,7 @@ import random
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 BENCH, BUILD = "", ""
@@ -198,6 +199,27 @@ class RunInstances(unittest.TestCase):
             self.assertEqual(report.returncode, 0, report.stdout)
             for family in MAKERS:
                 self.assertIn("| %s | tiny." % family, report.stdout)
+
+    def test_a_run_ends_where_a_proved_best_known_value_is_reached(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for family in ("maxcut", "coloring"):
+                os.makedirs(os.path.join(folder, family))
+            # A path of three vertices: both its edges are cut, and two colours are enough.
+            with open(os.path.join(folder, "maxcut", "path.txt"), "w") as stream:
+                stream.write("3 2\n1 2 1\n2 3 1\n")
+            with open(os.path.join(folder, "coloring", "path.col"), "w") as stream:
+                stream.write("p edge 3 2\ne 1 2\ne 2 3\n")
+            with open(os.path.join(folder, "best_known.csv"), "w") as stream:
+                stream.write("file,family,sense,best_known,optimal,source\n"
+                             "maxcut/path.txt,maxcut,max,2,yes,\n"
+                             "coloring/path.col,coloring,min,2,yes,\n")
+            runs = os.path.join(folder, "runs.csv")
+            start = time.monotonic()
+            done = self.call("run_instances.py", folder, BUILD, runs, "--seconds", "120", "--seeds",
+                             "1", "--stop-at-best")
+            self.assertEqual(done.returncode, 0, done.stdout)
+            self.assertLess(time.monotonic() - start, 100)
+            self.assertEqual([line["gap"] for line in self.lines(runs)], ["0.0000", "0.0000"])
 
 
 if __name__ == "__main__":
