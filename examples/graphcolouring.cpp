@@ -107,6 +107,12 @@ Colouring colourWith(const Graph& graph, std::size_t nbAllowed, const Colouring&
   OXExpression* conflicts = createConflicts(model, graph, hasColour);
   model.addObjective(conflicts, OXObjectiveDirection::Minimize);
   model.close();
+  // A search that goes back further ends with fewer conflicts. Swaps that aim at nothing change
+  // nothing here, and planning ahead costs more moves than it finds.
+  OXParam& param = *solver.getParam();
+  param.setAnnealingLevel(9);
+  param.setAdvancedParam("moveSwapEnabled", 0);
+  param.setAdvancedParam("advancedMovesEnabled", 0);
   for (std::size_t v = 0; v < start.size(); ++v) {
     hasColour[v][start[v] < nbAllowed ? start[v] : v % nbAllowed]->setValue(1);
   }
