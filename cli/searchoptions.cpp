@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <filesystem>
 #include <optional>
@@ -29,7 +30,8 @@ Number boundFrom(const std::string& text, const std::string& expected) {
   Number number{};
   const char* const end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, number);
-  if (result.ec == std::errc() && result.ptr == end && number == number) return number;
+  const bool isNumber = !std::isnan(static_cast<double>(number));
+  if (result.ec == std::errc() && result.ptr == end && isNumber) return number;
   throw InputError("--bound: found \"" + text + "\", expected " + expected);
 }
 

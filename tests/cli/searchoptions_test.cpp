@@ -1,0 +1,54 @@
+#include "cli/searchoptions.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "cli/inputerror.h"
+
+namespace ombrix::cli {
+namespace {
+
+/// Two objectives: an integer one, and one of doubles.
+void buildTwoObjectives(Ombrix& solver) {
+  OXModel& model = *solver.getModel();
+  OXExpression* x = model.createExpression(OXOperator::Bool);
+  model.addObjective(x, OXObjectiveDirection::Minimize);
+  model.addObjective(model.createExpression(OXOperator::Prod, model.createConstant(0.5), x),
+                     OXObjectiveDirection::Minimize);
+  model.close();
+}
+
+std::string refusalOf(const std::string& objective, const std::string& value) {
+  Ombrix solver;
+  buildTwoObjectives(solver);
+  CommandLine line;
+  line.objectiveBounds.emplace_back(std::stoi(objective), value);
+  try {
+    setObjectiveBounds(line, solver);
+  } catch (const InputError& error) {
+    return error.what();
+  }
+  return "accepted";
+}
+
+TEST(SearchOptions, ABoundIsReadAsItsObjectiveNeedsIt) {
+  Ombrix solver;
+  buildTwoObjectives(solver);
+  CommandLine line;
+  line.objectiveBounds = {{0, "-3"}, {1, "2.5e-1"}};
+  setObjectiveBounds(line, solver);
+  EXPECT_EQ(solver.getParam()->getIntObjectiveBound(0), -3);
+  EXPECT_EQ(solver.getParam()->getDoubleObjectiveBound(1), 0.25);
+}
+
+TEST(SearchOptions, ABoundThatItsObjectiveCannotTakeIsRefused) {
+  EXPECT_EQ(refusalOf("2", "1"), "--bound: found objective 2, expected one of 2, counted from 0");
+  EXPECT_EQ(refusalOf("0", "1.5"), "--bound: found \"1.5\", expected an integer of 64 bits");
+  for (const std::string wrong : {"", "x", "1x", "nan"}) {
+    EXPECT_EQ(refusalOf("1", wrong), "--bound: found \"" + wrong + "\", expected a number");
+  }
+}
+
+}  // namespace
+}  // namespace ombrix::cli
