@@ -141,7 +141,6 @@ def plot(family, lines, folder):
         data.append("%.3f %s" % (now, " ".join(
             "%.4f" % gap if math.isfinite(gap) else "NaN" for gap in cells)))
     script = """set terminal svg size 560,340 font "sans,12" background "#ffffff"
-set output "%s"
 set title "%s: gap to the best known over time (%d runs)" noenhanced
 set xlabel "seconds"
 set ylabel "gap in %%"
@@ -155,8 +154,12 @@ END
 plot $data using 1:4 with steps lw 1 lc "#bbbbbb" title "worst quarter begins", \\
      $data using 1:3 with steps lw 2 lc "#c03020" title "median", \\
      $data using 1:2 with steps lw 1 lc "#305090" title "best quarter ends"
-""" % (os.path.join(folder, family + ".svg"), family, len(lines), FIRST_TIME, last, "\n".join(data))
-    subprocess.run(["gnuplot"], input=script, text=True, check=True, stderr=subprocess.DEVNULL)
+""" % (family, len(lines), FIRST_TIME, last, "\n".join(data))
+    drawn = subprocess.run(["gnuplot"], input=script, text=True, check=True, stdout=subprocess.PIPE,
+                           stderr=subprocess.DEVNULL).stdout
+    # gnuplot leaves blanks at the ends of lines, which version control shows as faults.
+    with open(os.path.join(folder, family + ".svg"), "w", encoding="utf-8") as stream:
+        stream.writelines(line.rstrip() + "\n" for line in drawn.splitlines())
 
 
 def main(arguments):
