@@ -1,16 +1,23 @@
 // How do time and memory grow with the model? Prints one CSV line per family, size and set of
 // moves: building and closing, heap after close and one worker, attempted moves per second with one
-// thread and with two. Arguments, each with a default: largest size, iterations of a search,
-// searches per speed (the median counts), family, moves (flips or default), smallest size.
+// thread, with two, and with two processes of one thread each, which tell what the machine itself
+// gives to two at that moment. Arguments, each with a default: largest size, iterations of a
+// search, searches per speed (the median counts), family, moves (flips or default), smallest size.
 
 #include <malloc.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "sparsemodels.h"
@@ -70,17 +77,66 @@ struct ClosedModel {
   double closeSeconds = 0.0;
 };
 
+/// What is searched, and how the speed is taken.
+struct Search {
+  const ombrix::bench::Family& family;
+  int nbDecisions;
+  Pool pool;
+  long long nbIterations;
+};
+
 /// Attempted moves per second of wall clock. Every figure comes from a fresh solver, since the
 /// speed of a search changes along its way; a first search of one iteration builds the workers and
-/// makes the start feasible, so that only the loop is timed.
-double movesPerSecond(const ombrix::bench::Family& family, int nbDecisions, Pool pool,
-                      int nbThreads, long long nbIterations) {
-  ClosedModel model(family, nbDecisions, pool);
+/// makes the start feasible, so that only the loop is timed. `ready` is called between the two.
+template <typename Ready>
+double movesPerSecond(const Search& search, int nbThreads, Ready ready) {
+  ClosedModel model(search.family, search.nbDecisions, search.pool);
   model.solve(nbThreads, 1);
+  ready();
   const auto start = Clock::now();
-  model.solve(nbThreads, nbIterations);
+  model.solve(nbThreads, search.nbIterations);
   const double seconds = secondsSince(start);
   return static_cast<double>(model.solver.getStatistics()->getNbMoves()) / seconds;
+}
+
+double movesPerSecond(const Search& search, int nbThreads) {
+  return movesPerSecond(search, nbThreads, [] {});
+}
+
+/// What two processes that search at the same time tell each other.
+struct Shared {
+  std::atomic<int> nbReady = 0;
+  std::atomic<double> childSpeed = 0.0;
+
+  /// Returns when both processes are here.
+  void meet() {
+    ++nbReady;
+    while (nbReady < 2) std::this_thread::yield();
+  }
+};
+
+[[noreturn]] void fail(const char* call) {
+  std::perror(call);
+  std::exit(1);
+}
+
+/// Attempted moves per second of two processes of one thread each, together.
+double movesPerSecondOfTwoProcesses(const Search& search) {
+  void* memory =
+      mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  if (memory == MAP_FAILED) fail("mmap");
+  auto* shared = new (memory) Shared;
+  const pid_t child = fork();
+  if (child < 0) fail("fork");
+  const double speed = movesPerSecond(search, 1, [shared] { shared->meet(); });
+  if (child == 0) {
+    shared->childSpeed = speed;
+    _exit(0);
+  }
+  waitpid(child, nullptr, 0);
+  const double both = speed + shared->childSpeed;
+  munmap(memory, sizeof(Shared));
+  return both;
 }
 
 /// How every speed is measured.
@@ -105,17 +161,31 @@ Size measureSize(const ombrix::bench::Family& family, int nbDecisions, Pool pool
   return {nbExpressions, nbOperands, heapBytes() - heapBefore};
 }
 
-/// The median of some searches.
-double medianSpeed(const ombrix::bench::Family& family, int nbDecisions, Pool pool, int nbThreads,
-                   const Runs& runs) {
-  std::vector<double> speeds;
-  for (int i = 0; i < runs.nbRepeats; ++i) {
-    speeds.push_back(movesPerSecond(family, nbDecisions, pool, nbThreads, runs.nbIterations));
-  }
-  const auto middle = speeds.begin() + static_cast<std::ptrdiff_t>(speeds.size() / 2);
-  std::nth_element(speeds.begin(), middle, speeds.end());
+double median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
   return *middle;
 }
+
+/// Medians of some searches with one thread, two threads and two processes, taken in turn so that
+/// a slower hour of the machine strikes all three.
+struct Speeds {
+  Speeds(const Search& search, int nbRepeats) {
+    std::vector<double> speeds[3];
+    for (int i = 0; i < nbRepeats; ++i) {
+      speeds[0].push_back(movesPerSecond(search, 1));
+      speeds[1].push_back(movesPerSecond(search, 2));
+      speeds[2].push_back(movesPerSecondOfTwoProcesses(search));
+    }
+    oneThread = median(speeds[0]);
+    twoThreads = median(speeds[1]);
+    twoProcesses = median(speeds[2]);
+  }
+
+  double oneThread;
+  double twoThreads;
+  double twoProcesses;
+};
 
 void measure(const ombrix::bench::Family& family, int nbDecisions, Pool pool, const Runs& runs) {
   const Size size = measureSize(family, nbDecisions, pool);
@@ -126,13 +196,14 @@ void measure(const ombrix::bench::Family& family, int nbDecisions, Pool pool, co
     buildSeconds = model.buildSeconds;
     closeSeconds = model.closeSeconds;
   }
-  const double one = medianSpeed(family, nbDecisions, pool, 1, runs);
-  const double two = medianSpeed(family, nbDecisions, pool, 2, runs);
-  std::printf("%s,%d,%s,%.0f,%.0f,%.3f,%.3f,%.0f,%.1f,%.0f,%.0f,%.2f\n", family.name.c_str(),
-              nbDecisions, pool == Pool::Flips ? "flips" : "default", size.nbExpressions,
-              size.nbOperands, buildSeconds, closeSeconds,
+  const Speeds speeds({family, nbDecisions, pool, runs.nbIterations}, runs.nbRepeats);
+  std::printf("%s,%d,%s,%.0f,%.0f,%.3f,%.3f,%.0f,%.1f,%.0f,%.0f,%.2f,%.0f,%.2f\n",
+              family.name.c_str(), nbDecisions, pool == Pool::Flips ? "flips" : "default",
+              size.nbExpressions, size.nbOperands, buildSeconds, closeSeconds,
               size.nbExpressions / (buildSeconds + closeSeconds),
-              (size.bytes - 24 * size.nbOperands) / size.nbExpressions, one, two, two / one);
+              (size.bytes - 24 * size.nbOperands) / size.nbExpressions, speeds.oneThread,
+              speeds.twoThreads, speeds.twoThreads / speeds.oneThread, speeds.twoProcesses,
+              speeds.twoProcesses / speeds.oneThread);
   std::fflush(stdout);
 }
 
@@ -146,7 +217,9 @@ int main(int argc, char** argv) {
   const int smallest = argc > 6 ? std::atoi(argv[6]) : 1000;
   std::printf(
       "family,decisions,moves,expressions,operands,build s,close s,expressions/s,"
-      "bytes/expression less 24/operand,moves/s 1 thread,moves/s 2 threads,ratio\n");
+      "bytes/expression less 24/operand,moves/s 1 thread,moves/s 2 threads,ratio,moves/s 2 "
+      "processes,"
+      "ratio\n");
   for (const auto& family : ombrix::bench::families()) {
     if (!chosenFamily.empty() && chosenFamily != family.name) continue;
     for (int n = smallest; n <= largest; n *= 10) {
