@@ -6,7 +6,7 @@
 #include "common/failure.h"
 #include "solver/node/nodeincremental.h"
 #include "solver/node/operandview.h"
-#include "solver/node/picking.h"
+#include "solver/node/plainpicks.h"
 #include "solver/node/selectors.h"
 #include "solver/node/trust.h"
 
@@ -16,9 +16,10 @@ namespace ombrix {
 /// multiplied by the new factors and divided by the old ones, unless a factor leaves 0 or the
 /// change is too big to trust; then all operands are read again. Keeps nothing but its changes.
 template <typename S, typename Selector>
-class NodeDoubleScalarProductTemplate final : public NodeIncremental<NodeDoubleInner, S> {
+class NodeDoubleScalarProductTemplate final
+    : public NodeIncremental<AnyWayPicks<NodeDoubleInner>, S> {
 public:
-  using NodeIncremental<NodeDoubleInner, S>::NodeIncremental;
+  using NodeIncremental<AnyWayPicks<NodeDoubleInner>, S>::NodeIncremental;
 
   double computeValue(const Dag& dag, std::uint32_t id) const override {
     const DoubleOperandView operands(dag, id);
@@ -57,22 +58,8 @@ public:
 
   void commit(Dag& dag, std::uint32_t id) override { this->settle(dag, id); }
 
-  // The dependence on an operand has no sign of its own, so all three picks are one.
-  bool pickToDecrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
-                      std::uint32_t& decision) const override {
-    return pickOperandAnyWay(dag, id, rng, decision);
-  }
-  bool pickToIncrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
-                      std::uint32_t& decision) const override {
-    return pickOperandAnyWay(dag, id, rng, decision);
-  }
-  bool pickToChange(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
-                    std::uint32_t& decision) const override {
-    return pickOperandAnyWay(dag, id, rng, decision);
-  }
-
 private:
-  using NodeIncremental<NodeDoubleInner, S>::modified;
+  using NodeIncremental<AnyWayPicks<NodeDoubleInner>, S>::modified;
 
   [[noreturn]] static void failInfinite(const Where& where) {
     fail(kComputation, where, "Cannot compute the product of zero and infinity");

@@ -6,7 +6,7 @@
 #include "solver/kernel/saturating.h"
 #include "solver/node/nodeincremental.h"
 #include "solver/node/operandview.h"
-#include "solver/node/picking.h"
+#include "solver/node/plainpicks.h"
 #include "solver/node/selectors.h"
 
 namespace ombrix {
@@ -16,10 +16,10 @@ namespace ombrix {
 /// by any operand that changes, exactly as long as nothing overflowed. A change of k operands costs
 /// O(k).
 template <typename S, typename Selector>
-class NodeScalarProductTemplate final : public NodeIncremental<NodeInner, S> {
+class NodeScalarProductTemplate final : public NodeIncremental<AnyWayPicks<NodeInner>, S> {
 public:
   explicit NodeScalarProductTemplate(std::uint32_t nbOperands)
-      : NodeIncremental<NodeInner, S>(nbOperands) {
+      : NodeIncremental<AnyWayPicks<NodeInner>, S>(nbOperands) {
     zeroNodes.init(nbOperands);
   }
 
@@ -79,22 +79,8 @@ public:
     this->settle(dag, id);
   }
 
-  // The dependence on an operand has no sign of its own, so all three picks are one.
-  bool pickToDecrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
-                      std::uint32_t& decision) const override {
-    return pickOperandAnyWay(dag, id, rng, decision);
-  }
-  bool pickToIncrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
-                      std::uint32_t& decision) const override {
-    return pickOperandAnyWay(dag, id, rng, decision);
-  }
-  bool pickToChange(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
-                    std::uint32_t& decision) const override {
-    return pickOperandAnyWay(dag, id, rng, decision);
-  }
-
 private:
-  using NodeIncremental<NodeInner, S>::modified;
+  using NodeIncremental<AnyWayPicks<NodeInner>, S>::modified;
 
   /// The product of the non-zero factors after one factor changed.
   static std::int64_t replaceFactor(std::int64_t factors, std::int64_t oldValue,
