@@ -2,25 +2,16 @@
 #define OMBRIX_SOLVER_NODE_NODEARRAY_H
 
 #include "solver/node/nodeincremental.h"
+#include "solver/node/plainpicks.h"
 
 namespace ombrix {
 
 /// The elements of an array, standing between them and the nodes that index it. It has no value:
 /// that it was touched is what tells its parents that an element changed.
-class NodeArray : public NodeInner {
+class NodeArray : public NoPicks<NodeInner> {
 public:
   bool isConsistent(const Dag&, std::uint32_t) const override { return true; }
   std::int64_t computeValue(const Dag&, std::uint32_t) const override { return 0; }
-
-  bool pickToDecrease(const Dag&, std::uint32_t, std::uint32_t&, std::uint32_t&) const override {
-    return false;
-  }
-  bool pickToIncrease(const Dag&, std::uint32_t, std::uint32_t&, std::uint32_t&) const override {
-    return false;
-  }
-  bool pickToChange(const Dag&, std::uint32_t, std::uint32_t&, std::uint32_t&) const override {
-    return false;
-  }
 };
 
 template <typename S>

@@ -1,20 +1,14 @@
 #ifndef OMBRIX_SOLVER_NODE_NODECONSTANTS_H
 #define OMBRIX_SOLVER_NODE_NODECONSTANTS_H
 
-#include "solver/kernel/node.h"
+#include "solver/node/plainpicks.h"
 
 namespace ombrix {
 
 /// The nodes that never change. They hold nothing, since their numbers stand in the scalars of the
 /// fixed fields; no move settles them and no pick finds a decision in them.
-class NodeConstantBase : public Node {
+class NodeConstantBase : public NoPicks<Node> {
 public:
-  bool pickToDecrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
-                      std::uint32_t& decision) const override;
-  bool pickToIncrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
-                      std::uint32_t& decision) const override;
-  bool pickToChange(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
-                    std::uint32_t& decision) const override;
   void commit(Dag& dag, std::uint32_t id) override;
   void rollback(Dag& dag, std::uint32_t id) override;
 };

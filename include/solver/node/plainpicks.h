@@ -7,6 +7,21 @@ namespace ombrix {
 
 /// The picks that do not hang on the wanted direction. Base is the class of the node.
 
+/// None: no pick finds a decision here.
+template <typename Base>
+class NoPicks : public Base {
+public:
+  bool pickToDecrease(const Dag&, std::uint32_t, std::uint32_t&, std::uint32_t&) const override {
+    return false;
+  }
+  bool pickToIncrease(const Dag&, std::uint32_t, std::uint32_t&, std::uint32_t&) const override {
+    return false;
+  }
+  bool pickToChange(const Dag&, std::uint32_t, std::uint32_t&, std::uint32_t&) const override {
+    return false;
+  }
+};
+
 /// An operand at random, up or down at random: for a node whose dependence on an operand has no
 /// sign of its own.
 template <typename Base>

@@ -4,21 +4,6 @@
 
 namespace ombrix {
 
-bool NodeConstantBase::pickToDecrease(const Dag&, std::uint32_t, std::uint32_t&,
-                                      std::uint32_t&) const {
-  return false;
-}
-
-bool NodeConstantBase::pickToIncrease(const Dag&, std::uint32_t, std::uint32_t&,
-                                      std::uint32_t&) const {
-  return false;
-}
-
-bool NodeConstantBase::pickToChange(const Dag&, std::uint32_t, std::uint32_t&,
-                                    std::uint32_t&) const {
-  return false;
-}
-
 void NodeConstantBase::commit(Dag&, std::uint32_t) {}
 
 void NodeConstantBase::rollback(Dag&, std::uint32_t) {}

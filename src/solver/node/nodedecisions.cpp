@@ -67,20 +67,6 @@ void NodeIntegerVar::dump(const Dag& dag, std::uint32_t id) const {
   dumpCommon(dag, id, "PosInNodes= ");
 }
 
-bool NodeIntegerVar::pickToDecrease(const Dag&, std::uint32_t, std::uint32_t&,
-                                    std::uint32_t&) const {
-  return false;
-}
-
-bool NodeIntegerVar::pickToIncrease(const Dag&, std::uint32_t, std::uint32_t&,
-                                    std::uint32_t&) const {
-  return false;
-}
-
-bool NodeIntegerVar::pickToChange(const Dag&, std::uint32_t, std::uint32_t&, std::uint32_t&) const {
-  return false;
-}
-
 void NodeIntegerVar::init(Dag& dag, std::uint32_t id) {
   dag.tValues[id] = dag.values[id];
 }
@@ -114,18 +100,6 @@ bool NodeFloatVar::pickForTarget(const Dag& dag, std::uint32_t id, std::uint32_t
   decision = id;
   decisionValue = OXValue::ofDouble(value);
   return true;
-}
-
-bool NodeFloatVar::pickToDecrease(const Dag&, std::uint32_t, std::uint32_t&, std::uint32_t&) const {
-  return false;
-}
-
-bool NodeFloatVar::pickToIncrease(const Dag&, std::uint32_t, std::uint32_t&, std::uint32_t&) const {
-  return false;
-}
-
-bool NodeFloatVar::pickToChange(const Dag&, std::uint32_t, std::uint32_t&, std::uint32_t&) const {
-  return false;
 }
 
 void NodeFloatVar::init(Dag& dag, std::uint32_t id) {
