@@ -15,6 +15,28 @@ double power(const Dag& dag, const NodeValues& values, std::uint32_t id) {
                          DoubleArithmetic::read(dag, values, dag.fixedFields->operand(id, 1)));
 }
 
+bool canMove(const Dag& dag, std::uint32_t operand, bool isUp) {
+  return isUp ? !isAtMax<DoubleArithmetic>(dag, operand) : !isAtMin<DoubleArithmetic>(dag, operand);
+}
+
+bool move(const Dag& dag, std::uint32_t operand, bool isUp, std::uint32_t& rng,
+          std::uint32_t& decision) {
+  return isUp ? pickUp(dag, operand, rng, decision) : pickDown(dag, operand, rng, decision);
+}
+
+/// A coin offers the exponent, which goes its way if it can; otherwise the base has to move.
+bool pickTowards(const Dag& dag, std::uint32_t id, bool isUp, std::uint32_t& rng,
+                 std::uint32_t& decision) {
+  const std::uint32_t base = dag.fixedFields->operand(id, 0);
+  const std::uint32_t exponent = dag.fixedFields->operand(id, 1);
+  if (randomTopBit(rng)) {
+    const bool isExponentUp = risesWithExponent(dag, base) == isUp;
+    if (canMove(dag, exponent, isExponentUp))
+      return move(dag, exponent, isExponentUp, rng, decision);
+  }
+  return canMove(dag, base, isUp) && move(dag, base, isUp, rng, decision);
+}
+
 }  // namespace
 
 double NodeDoublePow::computeValue(const Dag& dag, std::uint32_t id) const {
@@ -27,30 +49,12 @@ void NodeDoublePow::eval(Dag& dag, std::uint32_t id) const {
 
 bool NodeDoublePow::pickToDecrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
                                    std::uint32_t& decision) const {
-  const std::uint32_t base = dag.fixedFields->operand(id, 0);
-  const std::uint32_t exponent = dag.fixedFields->operand(id, 1);
-  if (randomTopBit(rng)) {
-    const bool rises = risesWithExponent(dag, base);
-    if (rises && !isAtMin<DoubleArithmetic>(dag, exponent))
-      return pickDown(dag, exponent, rng, decision);
-    if (!rises && !isAtMax<DoubleArithmetic>(dag, exponent))
-      return pickUp(dag, exponent, rng, decision);
-  }
-  return !isAtMin<DoubleArithmetic>(dag, base) && pickDown(dag, base, rng, decision);
+  return pickTowards(dag, id, false, rng, decision);
 }
 
 bool NodeDoublePow::pickToIncrease(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
                                    std::uint32_t& decision) const {
-  const std::uint32_t base = dag.fixedFields->operand(id, 0);
-  const std::uint32_t exponent = dag.fixedFields->operand(id, 1);
-  if (randomTopBit(rng)) {
-    const bool rises = risesWithExponent(dag, base);
-    if (rises && !isAtMax<DoubleArithmetic>(dag, exponent))
-      return pickUp(dag, exponent, rng, decision);
-    if (!rises && !isAtMin<DoubleArithmetic>(dag, exponent))
-      return pickDown(dag, exponent, rng, decision);
-  }
-  return !isAtMax<DoubleArithmetic>(dag, base) && pickUp(dag, base, rng, decision);
+  return pickTowards(dag, id, true, rng, decision);
 }
 
 bool NodeDoublePow::pickToChange(const Dag& dag, std::uint32_t id, std::uint32_t& rng,
