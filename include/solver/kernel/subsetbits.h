@@ -12,7 +12,7 @@ namespace ombrix {
 /// A set of positions below 64 N, one bit each, with its size kept beside the words: the sets of a
 /// node of medium width stand in the node's object. No bit at or above n is ever set.
 template <std::uint32_t N>
-class SubsetBits : public SubsetOperations<SubsetBits<N>> {
+class SubsetBits : public BitSetOperations<SubsetBits<N>> {
 public:
   void init(std::uint32_t) {
     words.fill(0);
@@ -66,18 +66,6 @@ public:
       }
     }
     return false;
-  }
-  template <typename Predicate>
-  void removeIf(std::uint32_t n, Predicate&& holds) {
-    forEach(n, [&](std::uint32_t i) {
-      if (holds(i)) remove(i, n);
-    });
-  }
-  template <typename Predicate>
-  void addIf(std::uint32_t n, Predicate&& holds) {
-    forEachNonMember(n, [&](std::uint32_t i) {
-      if (holds(i)) add(i, n);
-    });
   }
 
 private:

@@ -11,7 +11,7 @@ namespace ombrix {
 /// A set of positions below the bit count of T, one bit each: a node with few operands keeps its
 /// sets in a word of its own object. No bit at or above n is ever set.
 template <typename T>
-class SubsetMask : public SubsetOperations<SubsetMask<T>> {
+class SubsetMask : public BitSetOperations<SubsetMask<T>> {
 public:
   void init(std::uint32_t) { mask = 0; }
   void clear() { mask = 0; }
@@ -49,18 +49,6 @@ public:
       if (holds(lowestBit(rest))) return true;
     }
     return false;
-  }
-  template <typename Predicate>
-  void removeIf(std::uint32_t n, Predicate&& holds) {
-    forEach(n, [&](std::uint32_t i) {
-      if (holds(i)) remove(i, n);
-    });
-  }
-  template <typename Predicate>
-  void addIf(std::uint32_t n, Predicate&& holds) {
-    forEachNonMember(n, [&](std::uint32_t i) {
-      if (holds(i)) add(i, n);
-    });
   }
 
 private:

@@ -55,9 +55,28 @@ public:
     out << '\n';
   }
 
-private:
+protected:
   Set& self() { return static_cast<Set&>(*this); }
   const Set& self() const { return static_cast<const Set&>(*this); }
+};
+
+/// What the two representations with a bit a position add. They iterate over a copy of a word, so
+/// that the set may change under the iteration.
+template <typename Set>
+class BitSetOperations : public SubsetOperations<Set> {
+public:
+  template <typename Predicate>
+  void removeIf(std::uint32_t n, Predicate&& holds) {
+    this->self().forEach(n, [&](std::uint32_t i) {
+      if (holds(i)) this->self().remove(i, n);
+    });
+  }
+  template <typename Predicate>
+  void addIf(std::uint32_t n, Predicate&& holds) {
+    this->self().forEachNonMember(n, [&](std::uint32_t i) {
+      if (holds(i)) this->self().add(i, n);
+    });
+  }
 };
 
 }  // namespace ombrix
