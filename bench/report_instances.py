@@ -5,7 +5,8 @@ usage: report_instances.py RUNS.csv [--seconds S] [--markdown FILE] [--plots FOL
 
 The table of families gives medians over instances, each instance standing for the median of its seeds; the
 table of instances gives the best, the median and the worst of the seeds. A gap is in percent of the best
-known value, taken as at least 1. A run without a feasible answer is worse than any with one.
+known value, taken as at least 1. A run without a feasible answer is worse than any with one. Of two middle ones
+the median is the worse one: the larger gap, the smaller speed.
 
 --plots writes FAMILY.svg with gnuplot: the median gap over time of all runs of the family, and the quarters
 of them that lie below and above.
@@ -16,6 +17,7 @@ import math
 import os
 import subprocess
 import sys
+from decimal import Decimal
 
 INFINITE = float("inf")
 FAMILY_COLUMNS = ("family", "instances", "always feasible", "median gap %", "worst gap %",
@@ -26,14 +28,16 @@ PLOT_POINTS = 40
 FIRST_TIME = 0.05
 
 
-def median(values):
+def median_gap(values):
     """The middle one; of two middle ones the larger, so that it is a value that was met."""
     values = sorted(values)
     return values[len(values) // 2]
 
 
-def number(text):
-    return float(text) if text != "" else INFINITE
+def median_speed(speeds):
+    """Of those that were measured; of two middle ones the smaller. Not a number if there is none."""
+    speeds = sorted(speed for speed in speeds if math.isfinite(speed))
+    return speeds[(len(speeds) - 1) // 2] if speeds else math.nan
 
 
 def shown(value, form="%.2f"):
@@ -55,17 +59,25 @@ class Instance:
         return value if line["sense"] == "min" else -value
 
     def gap(self):
-        """Of the median run."""
+        """Of the median run; None where no best value is known."""
         line = median_line(self.lines)
-        if line["objective"] == "":
-            return INFINITE
-        return float(line["gap"]) if line["gap"] != "" else None
+        if line["best_known"] == "":
+            return None
+        return float(line["gap"]) if line["objective"] != "" else INFINITE
+
+    def is_at_best(self):
+        """Of the median run, to the last digit: a small gap is rounded to 0."""
+        line = median_line(self.lines)
+        if line["best_known"] == "" or line["objective"] == "":
+            return False
+        value, best = Decimal(line["objective"]), Decimal(line["best_known"])
+        return value <= best if line["sense"] == "min" else value >= best
 
     def nb_feasible(self):
         return sum(line["objective"] != "" for line in self.lines)
 
     def speed(self):
-        return median([number(line["moves_per_second"]) for line in self.lines])
+        return median_speed([float(line["moves_per_second"] or "nan") for line in self.lines])
 
     def cells(self):
         middle = median_line(self.lines)
@@ -84,9 +96,9 @@ def median_line(lines):
 def family_cells(family, instances):
     gaps = [gap for gap in (instance.gap() for instance in instances) if gap is not None]
     always = sum(instance.nb_feasible() == len(instance.lines) for instance in instances)
-    return [family, str(len(instances)), str(always), shown(median(gaps)) if gaps else "-",
-            shown(max(gaps)) if gaps else "-", str(sum(gap <= 0 for gap in gaps)),
-            shown(median([instance.speed() for instance in instances]), "%.0f")]
+    return [family, str(len(instances)), str(always), shown(median_gap(gaps)) if gaps else "-",
+            shown(max(gaps)) if gaps else "-", str(sum(instance.is_at_best() for instance in instances)),
+            shown(median_speed([instance.speed() for instance in instances]), "%.0f")]
 
 
 def markdown(columns, rows):

@@ -16,7 +16,8 @@ shorter one reached is read from the improvements of the same run, and its colum
 runs can be cut into sessions; --budget ends a session. report_instances.py makes tables and plots of it.
 
 --stop-at-best ends a run where it reaches a best known value that is proved: searching on cannot change its
-line but for the counters. Models that scale the decimal numbers of their files search on.
+line but for the counters. Models that scale the decimal numbers of their files search on, or, where scaled
+numbers seem better than the value, end too early and become a line of status error.
 """
 import argparse
 import csv
@@ -133,35 +134,38 @@ def new_line(row, seed, seconds, options):
 
 
 def follow(command, pattern, limit):
-    """Exit status and output of a command, and (time, number) of each line of output that matches."""
-    start, points, lines = time.monotonic(), [], []
+    """Exit status and output of a command, (time, number) of each line of output that matches, and the
+    seconds it took. Time begins at the first line: a process that has to wait for its turn, or for its file,
+    searches nothing yet."""
+    start, points, lines = None, [], []
     with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True) as process:
         ender = threading.Timer(limit, process.kill)
         ender.start()
         for text in process.stdout:
+            start = time.monotonic() if start is None else start
             lines.append(text)
             match = pattern.match(text)
             if match:
                 points.append((time.monotonic() - start, int(match.group(1))))
         ender.cancel()
-    return process.returncode, "".join(lines), points
+    elapsed = 0 if start is None else time.monotonic() - start
+    return process.returncode, "".join(lines), points, elapsed
 
 
 def solve_in_loop(row, seed, seconds, options, folder):
     """As solve, by the example program of the family."""
     line, (pattern, offset) = new_line(row, seed, seconds, options), LOOPS[row["family"]]
     path, solution = os.path.join(options.instances, row["file"]), os.path.join(folder, "solution")
-    start = time.monotonic()
-    status, out, points = follow(
+    status, out, points, elapsed = follow(
         [os.path.join(options.build, "bench", "bench_models"), "solve", row["family"], path, str(seconds),
          str(seed), str(options.threads), solution] + [goal(row, options) or "-"], pattern, 5 * seconds + 900)
-    elapsed = min(time.monotonic() - start, seconds)
     if status != 0:
         line["status"] = "error: " + last_line(out, "status %s" % status)
         return line, []
     searches = re.findall(r"(\d+) iterations, (\d+) moves performed", out)
     line.update(iterations=sum(int(n) for n, _ in searches), moves=sum(int(n) for _, n in searches))
-    line["moves_per_second"] = round(line["moves"] / elapsed)
+    if line["moves"] > 0:
+        line["moves_per_second"] = round(line["moves"] / elapsed)
     found, wrong = check(row["family"], path, solution)
     points = [(t, Decimal(x + offset)) for t, x in points]
     told = re.search(r"^objective (\d+)", out, re.MULTILINE)
@@ -169,7 +173,7 @@ def solve_in_loop(row, seed, seconds, options, folder):
         line["status"] = "WRONG: " + (wrong or "the program tells another objective")
         return line, []
     if not points or points[-1][1] != Decimal(found):
-        points.append((elapsed, Decimal(found)))
+        points.append((min(elapsed, seconds), Decimal(found)))
     return finish(line, found, "feasible", points), points
 
 
@@ -214,6 +218,10 @@ def verify(row, line, counted, solution, options):
         scale = 1
     if scale is None:
         line["status"] = "WRONG: the search tells %s, the decisions give %s" % (told, found)
+        return line, []
+    if scale > 1 and bounds(row, options) and counted["final"]["status"] == "optimal" and \
+            Decimal(gap(found, row["best_known"], row["sense"])) > 0:
+        line["status"] = "error: the scaled numbers of the model met the bound too early; --stop-at-best is not for it"
         return line, []
     points = [(i["time"], Decimal(i["objectives"][0]) / scale if i["objectives"] else Decimal(0))
               for i in counted["improvements"] if i["feasible"]]

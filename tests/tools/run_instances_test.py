@@ -8,6 +8,7 @@ checker that shares no code with it agrees), that the runner goes on where it st
 can be made of what it wrote. Nothing is said about quality or speed.
 """
 import csv
+import importlib
 import os
 import random
 import subprocess
@@ -15,6 +16,8 @@ import sys
 import tempfile
 import time
 import unittest
+from types import SimpleNamespace
+from unittest import mock
 
 BENCH, BUILD = "", ""
 
@@ -222,6 +225,71 @@ class RunInstances(unittest.TestCase):
             self.assertEqual([line["gap"] for line in self.lines(runs)], ["0.0000", "0.0000"])
 
 
+class Figures(unittest.TestCase):
+    """What is computed from a run, without one."""
+
+    def test_a_gap_is_above_0_where_the_answer_is_worse(self):
+        gap = importlib.import_module("run_instances").gap
+        self.assertEqual(gap("110", "100", "min"), "10.0000")
+        self.assertEqual(gap("90", "100", "max"), "10.0000")
+        self.assertEqual(gap("-90", "-100", "min"), "10.0000")
+        self.assertEqual(gap("99", "100", "min"), "-1.0000")
+        self.assertEqual(gap("3", "0", "min"), "300.0000")
+        self.assertEqual(gap("3", "", "min"), "")
+
+    def test_the_time_of_a_program_begins_with_its_output(self):
+        runner = importlib.import_module("run_instances")
+        script = "sleep 1; echo looking for 5 colours; sleep 0.2; echo looking for 4 colours"
+        status, out, points, elapsed = runner.follow(["sh", "-c", script], runner.LOOPS["coloring"][0], 60)
+        self.assertEqual(status, 0)
+        self.assertEqual(len(out.splitlines()), 2)
+        self.assertEqual([number for _, number in points], [5, 4])
+        self.assertLess(points[0][0], 0.1)
+        self.assertGreater(points[1][0], 0.1)
+        self.assertLess(elapsed, 0.9)
+
+    def verified(self, told, found, best, status):
+        """The status of the line of a run that maximises and may end at the best known value."""
+        runner = importlib.import_module("run_instances")
+        row = {"family": "mkp", "file": "f", "sense": "max", "best_known": best, "optimal": "yes"}
+        options = SimpleNamespace(instances="", stop_at_best=True, threads=2)
+        point = {"time": 0.5, "objectives": [told], "feasible": True}
+        counted = {"final": {"objectives": [told], "status": status}, "improvements": [point]}
+        with mock.patch.object(runner, "check", lambda *_: (found, "")):
+            return runner.verify(row, runner.new_line(row, 1, 10, options), counted, "s", options)[0]["status"]
+
+    def test_a_run_that_scaled_numbers_ended_too_early_is_an_error(self):
+        self.assertIn("too early", self.verified(45, "4.5", "20", "optimal"))
+        self.assertEqual(self.verified(200, "20", "20", "optimal"), "optimal")
+        self.assertEqual(self.verified(45, "4.5", "20", "feasible"), "feasible")
+        self.assertEqual(self.verified(20, "20", "20", "optimal"), "optimal")
+
+    def report(self, *runs):
+        """The cells of the table of families for runs of instances with one seed each."""
+        reporter = importlib.import_module("report_instances")
+        names = ("objective", "best_known", "gap", "moves_per_second")
+        instances = [reporter.Instance([dict(zip(names, run), sense="min")]) for run in runs]
+        return dict(zip(reporter.FAMILY_COLUMNS, reporter.family_cells("f", instances)))
+
+    def test_a_gap_that_is_rounded_to_0_is_not_at_the_best_known_value(self):
+        cells = self.report(("100000001", "100000000", "0.0000", "5"), ("7", "7", "0.0000", "5"),
+                            ("6", "7", "-14.2857", "5"))
+        self.assertEqual(cells["at best known"], "2")
+
+    def test_of_two_middle_ones_the_worse_is_the_median(self):
+        cells = self.report(("11", "10", "10.0000", "300"), ("12", "10", "20.0000", "500"))
+        self.assertEqual((cells["median gap %"], cells["moves/s"]), ("20.00", "300"))
+
+    def test_a_run_without_a_speed_counts_for_none(self):
+        cells = self.report(("11", "10", "10.0000", "300"), ("10", "10", "0.0000", ""), ("", "10", "", ""))
+        self.assertEqual((cells["moves/s"], cells["worst gap %"]), ("300", "-"))
+
+    def test_an_instance_without_a_best_known_value_has_no_gap(self):
+        cells = self.report(("11", "10", "10.0000", "300"), ("", "", "", "300"), ("5", "", "", "300"))
+        self.assertEqual((cells["median gap %"], cells["worst gap %"]), ("10.00", "10.00"))
+
+
 if __name__ == "__main__":
     BENCH, BUILD = sys.argv[1:3]
+    sys.path.insert(0, BENCH)
     unittest.main(argv=sys.argv[:1])
