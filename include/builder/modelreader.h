@@ -27,6 +27,13 @@ public:
 private:
   struct ExpressionEntry;
 
+  /// Walks the map that comes next. For each property the action takes the value behind the name.
+  template <typename Action>
+  void forEachProperty(const Action& readValue);
+  /// Walks the map of maps that comes next. The action takes one of them.
+  template <typename Action>
+  void forEachMap(const Action& readMap);
+
   void readSection(const std::string& name);
   void readExpressions();
   ExpressionEntry readEntry();

@@ -44,6 +44,24 @@ struct ModelReader::ExpressionEntry {
 ModelReader::ModelReader(Ombrix& target, const std::string& name)
     : ombrix(target), model(target.getModel()), reader(createReader(name)), fileName(name) {}
 
+template <typename Action>
+void ModelReader::forEachProperty(const Action& readValue) {
+  std::string name;
+  reader->nextMapStart();
+  while (reader->isProperty()) {
+    reader->nextProperty(name);
+    readValue(name);
+  }
+  reader->nextMapEnd();
+}
+
+template <typename Action>
+void ModelReader::forEachMap(const Action& readMap) {
+  reader->nextMapStart();
+  while (reader->isMapStart()) readMap();
+  reader->nextMapEnd();
+}
+
 void ModelReader::read() {
   std::string name;
   reader->nextMapStart();
@@ -72,22 +90,17 @@ void ModelReader::readSection(const std::string& name) {
 }
 
 void ModelReader::readExpressions() {
-  reader->nextMapStart();
-  while (reader->isMapStart()) {
+  forEachMap([this] {
     const ExpressionEntry entry = readEntry();
     OXExpression* expression = createExpression(entry);
     if (!entry.name.empty()) expression->setName(entry.name);
     expressions.push_back(expression);
-  }
-  reader->nextMapEnd();
+  });
 }
 
 ModelReader::ExpressionEntry ModelReader::readEntry() {
   ExpressionEntry entry;
-  std::string name;
-  reader->nextMapStart();
-  while (reader->isProperty()) {
-    reader->nextProperty(name);
+  forEachProperty([&](const std::string& name) {
     if (name == "type") {
       entry.op = OperatorTools::stringToOperator(reader->nextString());
       entry.hasOperator = true;
@@ -102,8 +115,7 @@ ModelReader::ExpressionEntry ModelReader::readEntry() {
     } else {
       reader->skip();
     }
-  }
-  reader->nextMapEnd();
+  });
   return entry;
 }
 
@@ -127,9 +139,7 @@ OXExpression* ModelReader::createExpression(const ExpressionEntry& entry) {
 
 void ModelReader::readOperands() {
   std::int64_t position = 0;
-  reader->nextMapStart();
-  while (reader->isMapStart()) readOperandsOf(*expressionAt(position++));
-  reader->nextMapEnd();
+  forEachMap([&] { readOperandsOf(*expressionAt(position++)); });
 }
 
 void ModelReader::readOperandsOf(OXExpression& expression) {
@@ -142,34 +152,24 @@ void ModelReader::readOperandsOf(OXExpression& expression) {
 }
 
 void ModelReader::readConstraints() {
-  std::string name;
-  reader->nextMapStart();
-  while (reader->isMapStart()) {
+  forEachMap([this] {
     OXExpression* constraint = nullptr;
-    reader->nextMapStart();
-    while (reader->isProperty()) {
-      reader->nextProperty(name);
+    forEachProperty([&](const std::string& name) {
       if (name == "idx") {
         constraint = expressionAt(reader->nextInt());
       } else {
         reader->skip();
       }
-    }
-    reader->nextMapEnd();
+    });
     if (constraint != nullptr) model->addConstraint(constraint);
-  }
-  reader->nextMapEnd();
+  });
 }
 
 void ModelReader::readObjectives() {
-  std::string name;
-  reader->nextMapStart();
-  while (reader->isMapStart()) {
+  forEachMap([this] {
     OXExpression* objective = nullptr;
     OXObjectiveDirection direction = OXObjectiveDirection::Minimize;
-    reader->nextMapStart();
-    while (reader->isProperty()) {
-      reader->nextProperty(name);
+    forEachProperty([&](const std::string& name) {
       if (name == "idx") {
         objective = expressionAt(reader->nextInt());
       } else if (name == "dir") {
@@ -178,26 +178,19 @@ void ModelReader::readObjectives() {
       } else {
         reader->skip();
       }
-    }
-    reader->nextMapEnd();
+    });
     if (objective != nullptr) model->addObjective(objective, direction);
-  }
-  reader->nextMapEnd();
+  });
 }
 
 void ModelReader::readPhases() {
   closeModel();
-  reader->nextMapStart();
-  while (reader->isMapStart()) readPhase();
-  reader->nextMapEnd();
+  forEachMap([this] { readPhase(); });
 }
 
 void ModelReader::readPhase() {
-  std::string name;
-  reader->nextMapStart();
   OXPhase& phase = *ombrix.createPhase();
-  while (reader->isProperty()) {
-    reader->nextProperty(name);
+  forEachProperty([&](const std::string& name) {
     if (name == "iterationLimit") {
       phase.setIterationLimit(reader->nextLongLong());
     } else if (name == "timeLimit") {
@@ -207,19 +200,12 @@ void ModelReader::readPhase() {
     } else {
       reader->skip();
     }
-  }
-  reader->nextMapEnd();
+  });
 }
 
 void ModelReader::readParameters() {
-  std::string name;
   closeModel();
-  reader->nextMapStart();
-  while (reader->isProperty()) {
-    reader->nextProperty(name);
-    readParameter(name);
-  }
-  reader->nextMapEnd();
+  forEachProperty([this](const std::string& name) { readParameter(name); });
 }
 
 void ModelReader::readParameter(const std::string& name) {
@@ -251,28 +237,20 @@ void ModelReader::readObjectiveBounds() {
 }
 
 void ModelReader::readAdvancedParams() {
-  std::string key;
-  reader->nextMapStart();
-  while (reader->isProperty()) {
-    reader->nextProperty(key);
+  forEachProperty([this](const std::string& key) {
     ombrix.getParam()->setAdvancedParam(key, reader->nextInt());
-  }
-  reader->nextMapEnd();
+  });
 }
 
 void ModelReader::readSolution() {
-  std::string name;
   closeModel();
-  reader->nextMapStart();
-  while (reader->isProperty()) {
-    reader->nextProperty(name);
+  forEachProperty([this](const std::string& name) {
     if (name == "decisions") {
       readDecisions();
     } else {
       reader->skip();
     }
-  }
-  reader->nextMapEnd();
+  });
 }
 
 /// The saved decisions become the starting point of the next search.
