@@ -31,13 +31,13 @@ public:
   virtual void pushValue(bool value) = 0;
   virtual void pushValue(double value) = 0;
   virtual void pushValue(long long value) = 0;
-  virtual void pushValue(long value) = 0;
-  virtual void pushValue(int value) = 0;
+  virtual void pushValue(long value);
+  virtual void pushValue(int value);
   virtual void pushValue(char value) = 0;
   virtual void pushValue(const char* value);
   virtual void pushValue(const std::string& value) = 0;
-  virtual void pushTrue() = 0;
-  virtual void pushFalse() = 0;
+  virtual void pushTrue();
+  virtual void pushFalse();
   virtual void pushNil() = 0;
 
   /// The bytes that the file must hold, before any compression: who wants to know whether all of

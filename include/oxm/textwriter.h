@@ -29,12 +29,8 @@ public:
   void pushValue(bool value) override;
   void pushValue(double value) override;
   void pushValue(long long value) override;
-  void pushValue(long value) override;
-  void pushValue(int value) override;
   void pushValue(char value) override;
   void pushValue(const std::string& value) override;
-  void pushTrue() override;
-  void pushFalse() override;
   void pushNil() override;
   std::uint64_t getNbBytes() const override { return stream.getNbBytes(); }
 

@@ -62,14 +62,6 @@ void BinaryWriter::pushValue(long long value) {
   }
 }
 
-void BinaryWriter::pushValue(long value) {
-  pushValue(static_cast<long long>(value));
-}
-
-void BinaryWriter::pushValue(int value) {
-  pushValue(static_cast<long long>(value));
-}
-
 // The signed reading of a char, also on a platform whose chars are unsigned.
 void BinaryWriter::pushValue(char value) {
   pushValue(static_cast<long long>(static_cast<signed char>(value)));
@@ -77,14 +69,6 @@ void BinaryWriter::pushValue(char value) {
 
 void BinaryWriter::pushValue(const std::string& value) {
   writeString(kInlineStringTag, kCachedStringTag, value);
-}
-
-void BinaryWriter::pushTrue() {
-  pushValue(true);
-}
-
-void BinaryWriter::pushFalse() {
-  pushValue(false);
 }
 
 void BinaryWriter::pushNil() {

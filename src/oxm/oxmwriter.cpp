@@ -42,8 +42,24 @@ void OXMWriter::pushProperty(const std::string& name, const std::string& value) 
   pushValue(value);
 }
 
+void OXMWriter::pushValue(long value) {
+  pushValue(static_cast<long long>(value));
+}
+
+void OXMWriter::pushValue(int value) {
+  pushValue(static_cast<long long>(value));
+}
+
 void OXMWriter::pushValue(const char* value) {
   pushValue(std::string(value));
+}
+
+void OXMWriter::pushTrue() {
+  pushValue(true);
+}
+
+void OXMWriter::pushFalse() {
+  pushValue(false);
 }
 
 }  // namespace ombrix

@@ -75,14 +75,6 @@ void TextWriter::pushValue(long long value) {
   writeValue(std::string_view(digits, static_cast<std::size_t>(end.ptr - digits)));
 }
 
-void TextWriter::pushValue(long value) {
-  pushValue(static_cast<long long>(value));
-}
-
-void TextWriter::pushValue(int value) {
-  pushValue(static_cast<long long>(value));
-}
-
 void TextWriter::pushValue(char value) {
   writeValue(std::string_view(&value, 1));
 }
@@ -96,14 +88,6 @@ void TextWriter::pushValue(const std::string& value) {
   }
   stream.put('"');
   afterValue();
-}
-
-void TextWriter::pushTrue() {
-  pushValue(true);
-}
-
-void TextWriter::pushFalse() {
-  pushValue(false);
 }
 
 void TextWriter::pushNil() {
