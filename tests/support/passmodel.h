@@ -2,6 +2,7 @@
 #define OMBRIX_TESTS_SUPPORT_PASSMODEL_H
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -13,6 +14,17 @@
 #include "support/intervalprinter.h"
 
 namespace ombrix::test {
+
+inline constexpr double kInf = std::numeric_limits<double>::infinity();
+
+// Bounds to compare with, in one word.
+
+inline IntInterval ints(std::int64_t low, std::int64_t high) {
+  return {low, high};
+}
+inline DoubleInterval reals(double low, double high) {
+  return {low, high};
+}
 
 /// A model that is typed but not closed, with the state that passes share: one pass can be run on
 /// it and looked at. Leaves with any bounds stand for whatever a model could put there.

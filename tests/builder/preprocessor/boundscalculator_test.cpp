@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <cmath>
-#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,16 +15,10 @@
 namespace ombrix {
 namespace {
 
+using test::ints;
+using test::kInf;
 using test::PassModel;
-
-constexpr double kInf = std::numeric_limits<double>::infinity();
-
-IntInterval ints(std::int64_t low, std::int64_t high) {
-  return {low, high};
-}
-DoubleInterval reals(double low, double high) {
-  return {low, high};
-}
+using test::reals;
 
 /// A model with one objective over leaves, on which the pass has run.
 class BoundsCalculatorTest : public testing::Test {

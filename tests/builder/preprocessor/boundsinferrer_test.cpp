@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <vector>
 
 #include "solver/kernel/saturating.h"
@@ -11,16 +10,10 @@
 namespace ombrix {
 namespace {
 
+using test::ints;
+using test::kInf;
 using test::PassModel;
-
-constexpr double kInf = std::numeric_limits<double>::infinity();
-
-IntInterval ints(std::int64_t low, std::int64_t high) {
-  return {low, high};
-}
-DoubleInterval reals(double low, double high) {
-  return {low, high};
-}
+using test::reals;
 
 /// The pass on a model of leaves. An expression under test gets its bounds by hand, as if the
 /// passes before had found them, and is a root.

@@ -13,14 +13,9 @@
 namespace ombrix {
 namespace {
 
+using test::ints;
 using test::PassModel;
-
-IntInterval ints(std::int64_t low, std::int64_t high) {
-  return {low, high};
-}
-DoubleInterval reals(double low, double high) {
-  return {low, high};
-}
+using test::reals;
 
 class ConstantFinderTest : public testing::Test {
 protected:

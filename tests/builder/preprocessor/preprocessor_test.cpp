@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "solver/kernel/saturating.h"
 #include "support/passmodel.h"
@@ -11,16 +10,10 @@
 namespace ombrix {
 namespace {
 
+using test::ints;
+using test::kInf;
 using test::PassModel;
-
-constexpr double kInf = std::numeric_limits<double>::infinity();
-
-IntInterval ints(std::int64_t low, std::int64_t high) {
-  return {low, high};
-}
-DoubleInterval reals(double low, double high) {
-  return {low, high};
-}
+using test::reals;
 
 TEST(Preprocessor, GivesEveryTypeItsWidestBounds) {
   PassModel m;
