@@ -8,8 +8,7 @@
 #include <vector>
 
 #include "support/failures.h"
-#include "support/graphs.h"
-#include "support/picks.h"
+#include "support/nodefixtures.h"
 
 namespace ombrix {
 namespace {
@@ -19,6 +18,7 @@ using test::afterDraws;
 using test::expectNoPick;
 using test::expectPick;
 using test::GraphBuilder;
+using test::OneNodeTest;
 using test::openMove;
 using test::seedForTopBits;
 
@@ -27,7 +27,7 @@ constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// A binary node over integer decisions whose divisor starts at 1.
-class IntegerOperandsTest : public testing::Test {
+class IntegerOperandsTest : public OneNodeTest {
 protected:
   void make(NodeType type) {
     graph = GraphBuilder();
@@ -35,8 +35,7 @@ protected:
     const std::uint32_t zeroBased = graph.integer();
     b = graph.node(NodeType::Sum, {zeroBased, graph.constant(1)});
     b0 = zeroBased;
-    node = graph.minimise(graph.node(type, {a, b}));
-    dag = graph.makeDag();
+    build(graph.node(type, {a, b}));
   }
   std::int64_t valueFor(std::int64_t first, std::int64_t second) {
     acceptMove(*dag, {{a, first}, {b0, second - 1}});
@@ -45,12 +44,9 @@ protected:
     return dag->values[node].intValue;
   }
 
-  GraphBuilder graph;
   std::uint32_t a = 0;
   std::uint32_t b = 0;
   std::uint32_t b0 = 0;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
 };
 
 TEST_F(IntegerOperandsTest, DivideTruncatesTowardsZero) {
@@ -112,14 +108,13 @@ TEST(NodeAbsTest, TheSmallestIntegerStays) {
 }
 
 /// A binary node over floats.
-class DoubleOperandsTest : public testing::Test {
+class DoubleOperandsTest : public OneNodeTest {
 protected:
   void make(NodeType type) {
     graph = GraphBuilder();
     a = graph.floating(-kInfinity, kInfinity);
     b = graph.floating(-kInfinity, kInfinity);
-    node = graph.minimise(graph.node(type, {a, b}));
-    dag = graph.makeDag();
+    build(graph.node(type, {a, b}));
   }
   double valueFor(double first, double second) {
     dag->propagation.setValue(*dag, a, first);
@@ -128,11 +123,8 @@ protected:
     return dag->values[node].doubleValue;
   }
 
-  GraphBuilder graph;
   std::uint32_t a = 0;
   std::uint32_t b = 0;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
 };
 
 TEST_F(DoubleOperandsTest, DistanceOfInfinitiesOfOneSignFails) {
@@ -170,7 +162,7 @@ TEST(NodeDoubleAbsTest, ClearsTheSign) {
 
 // ---- picks, in both forms: operands are sums, so that they reach below 0
 
-class ArithmeticPickTest : public testing::TestWithParam<bool> {
+class ArithmeticPickTest : public OneNodeTest, public testing::WithParamInterface<bool> {
 protected:
   /// A term from -1 to 1 over an own pair of decisions: the first raises it, the second lowers it.
   std::uint32_t term() {
@@ -180,8 +172,7 @@ protected:
     return graph.node(NodeType::ScalarSum, {plus, minus}, {1, -1});
   }
   void make(NodeType integer, NodeType real, const std::vector<std::uint32_t>& operands) {
-    node = graph.minimise(graph.node(GetParam() ? real : integer, operands));
-    dag = graph.makeDag();
+    build(graph.node(GetParam() ? real : integer, operands));
   }
   /// Brings a term to -1, 0 or 1.
   void set(std::size_t which, int value) {
@@ -197,10 +188,7 @@ protected:
     return 0;
   }
 
-  GraphBuilder graph;
   std::vector<std::pair<std::uint32_t, std::uint32_t>> decisions;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
 };
 
 INSTANTIATE_TEST_SUITE_P(BothForms, ArithmeticPickTest, testing::Bool(),
@@ -221,8 +209,6 @@ TEST_P(ArithmeticPickTest, AbsMovesItsOperandFromOrTowardsZero) {
 TEST_P(ArithmeticPickTest, DistanceClosesOrOpensTheGap) {
   const std::uint32_t first = term();
   make(NodeType::Distance, NodeType::DoubleDistance, {first, term()});
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
   expectNoPick(test::pickDown(*dag, node, 9), 9);
   // Equal operands: any of them, either way, and then a choice inside the term.
   const std::uint32_t secondDown = seedForTopBits({1, 1});

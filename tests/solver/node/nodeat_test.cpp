@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/failures.h"
-#include "support/graphs.h"
-#include "support/picks.h"
+#include "support/nodefixtures.h"
 
 namespace ombrix {
 namespace {
@@ -14,7 +13,7 @@ using test::afterDraws;
 using test::expectNoPick;
 using test::expectPick;
 using test::GraphBuilder;
-using test::seedForTopBits;
+using test::OneNodeTest;
 
 TEST(NodeAtTest, ReadsNumbersAndNodes) {
   GraphBuilder graph;
@@ -113,25 +112,19 @@ TEST(NodeAtTest, TheDoubleFormFailsUnderItsOwnName) {
 }
 
 /// Picks over an array of two booleans and a boolean index, in both forms.
-class NodeAtPickTest : public testing::TestWithParam<NodeType> {
+class NodeAtPickTest : public OneNodeTest, public testing::WithParamInterface<NodeType> {
 protected:
   void make(bool isIndexFixed) {
     first = graph.boolean();
     second = graph.boolean();
     index = isIndexFixed ? graph.constant(1) : graph.boolean();
     const std::uint32_t array = graph.node(NodeType::Array, {first, second});
-    node = graph.minimise(graph.node(GetParam(), {array, index}));
-    dag = graph.makeDag();
+    build(graph.node(GetParam(), {array, index}));
   }
 
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
-  GraphBuilder graph;
   std::uint32_t first = 0;
   std::uint32_t second = 0;
   std::uint32_t index = 0;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
 };
 
 INSTANTIATE_TEST_SUITE_P(BothForms, NodeAtPickTest,

@@ -5,8 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include "support/graphs.h"
-#include "support/picks.h"
+#include "support/nodefixtures.h"
 
 namespace ombrix {
 namespace {
@@ -22,40 +21,17 @@ using test::seedForTopBits;
 constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
 
+constexpr NodeType kTypes[] = {NodeType::Eq, NodeType::Neq, NodeType::Leq,
+                               NodeType::Lt, NodeType::Geq, NodeType::Gt};
+
 /// All comparisons of two integer decisions as constraints.
-class NodeComparisonTest : public testing::Test {
+class NodeComparisonTest : public test::ConstraintsTest {
 protected:
   NodeComparisonTest() {
     const std::uint32_t a = graph.integer();
     const std::uint32_t b = graph.integer();
-    for (const NodeType type :
-         {NodeType::Eq, NodeType::Neq, NodeType::Leq, NodeType::Lt, NodeType::Geq, NodeType::Gt})
-      nodes.push_back(graph.constraint(graph.node(type, {a, b})));
-    dag = graph.makeDag();
+    build(kTypes, a, b);
   }
-
-  std::vector<std::int64_t> values() const {
-    std::vector<std::int64_t> result;
-    for (const std::uint32_t node : nodes) result.push_back(dag->values[node].intValue);
-    return result;
-  }
-  std::vector<std::int64_t> violations() const {
-    std::vector<std::int64_t> result;
-    for (const std::uint32_t node : nodes)
-      result.push_back(dag->nodes[node]->violation(*dag, node));
-    return result;
-  }
-  std::vector<std::int64_t> deltas() const {
-    std::vector<std::int64_t> result;
-    for (const std::uint32_t node : nodes)
-      result.push_back(dag->nodes[node]->violationDelta(*dag, node));
-    return result;
-  }
-
-  using Numbers = std::vector<std::int64_t>;
-  GraphBuilder graph;
-  std::vector<std::uint32_t> nodes;
-  std::unique_ptr<Dag> dag;
 };
 
 TEST_F(NodeComparisonTest, EachHoldsForItsSideOnly) {

@@ -10,8 +10,7 @@
 
 #include "solver/node/trust.h"
 #include "support/failures.h"
-#include "support/graphs.h"
-#include "support/picks.h"
+#include "support/nodefixtures.h"
 
 namespace ombrix {
 namespace {
@@ -21,6 +20,7 @@ using test::afterDraws;
 using test::expectNoPick;
 using test::expectPick;
 using test::GraphBuilder;
+using test::OneNodeTest;
 using test::seedForTopBits;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -49,7 +49,7 @@ TEST(TrustTest, AnyOtherChangeIsBigIfItNearlyCancels) {
 }
 
 /// A node over decisions, numbered as they are listed; floats take every value and start at 0.
-class NodeDoubleAggregateTest : public testing::Test {
+class NodeDoubleAggregateTest : public OneNodeTest {
 protected:
   void makeFloats(NodeType type, const std::vector<double>& start,
                   const std::vector<double>& scalars = {}, double min = -kInfinity,
@@ -57,8 +57,7 @@ protected:
     graph = GraphBuilder();
     decisions.clear();
     for (std::size_t i = 0; i < start.size(); ++i) decisions.push_back(graph.floating(min, max));
-    node = graph.minimise(graph.doubleNode(type, decisions, scalars));
-    dag = graph.makeDag();
+    build(graph.doubleNode(type, decisions, scalars));
     for (std::uint32_t i = 0; i < start.size(); ++i)
       dag->propagation.setValue(*dag, decisions[i], start[i]);
     dag->propagation.accept(*dag);
@@ -67,8 +66,7 @@ protected:
                     const std::vector<double>& scalars = {}) {
     graph = GraphBuilder();
     decisions = graph.booleans(static_cast<std::uint32_t>(start.size()));
-    node = graph.minimise(graph.doubleNode(type, decisions, scalars));
-    dag = graph.makeDag();
+    build(graph.doubleNode(type, decisions, scalars));
     for (std::uint32_t i = 0; i < start.size(); ++i)
       dag->propagation.setValue(*dag, decisions[i], static_cast<std::int64_t>(start[i]));
     dag->propagation.accept(*dag);
@@ -86,10 +84,6 @@ protected:
   }
 
   double value() const { return dag->values[node].doubleValue; }
-  bool isConsistent() const { return dag->nodes[node]->isConsistent(*dag, node); }
-  std::string dump() const {
-    return test::captured([&] { dag->nodes[node]->dump(*dag, node); });
-  }
   bool pickFor(double wanted, std::uint32_t seed) {
     rng = seed;
     found = kNone;
@@ -97,12 +91,7 @@ protected:
     return dag->nodes[node]->pickForTarget(*dag, node, rng, target, found, decisionValue);
   }
 
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
-  GraphBuilder graph;
   std::vector<std::uint32_t> decisions;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
   std::uint32_t rng = 0;
   std::uint32_t found = kNone;
   OXValue decisionValue = OXValue::ofInt(0);

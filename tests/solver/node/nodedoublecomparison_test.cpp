@@ -5,8 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include "support/graphs.h"
-#include "support/picks.h"
+#include "support/nodefixtures.h"
 
 namespace ombrix {
 namespace {
@@ -16,17 +15,17 @@ using test::afterDraws;
 using test::expectNoPick;
 using test::expectPick;
 using test::GraphBuilder;
+using test::OneNodeTest;
 using test::seedForTopBits;
 
 constexpr NodeType kTypes[] = {NodeType::DoubleEq, NodeType::DoubleNeq, NodeType::DoubleLeq,
                                NodeType::DoubleLt, NodeType::DoubleGeq, NodeType::DoubleGt};
 
 /// All comparisons of two floats as constraints.
-class NodeDoubleComparisonTest : public testing::Test {
+class NodeDoubleComparisonTest : public test::ConstraintsTest {
 protected:
   NodeDoubleComparisonTest() : a(graph.floating(-100, 100)), b(graph.floating(-100, 100)) {
-    for (const NodeType type : kTypes) nodes.push_back(graph.constraint(graph.node(type, {a, b})));
-    dag = graph.makeDag();
+    build(kTypes, a, b);
   }
 
   void open(double first, double second) {
@@ -38,30 +37,9 @@ protected:
     open(first, second);
     dag->propagation.accept(*dag);
   }
-  std::vector<std::int64_t> values() const {
-    std::vector<std::int64_t> result;
-    for (const std::uint32_t node : nodes) result.push_back(dag->values[node].intValue);
-    return result;
-  }
-  std::vector<std::int64_t> violations() const {
-    std::vector<std::int64_t> result;
-    for (const std::uint32_t node : nodes)
-      result.push_back(dag->nodes[node]->violation(*dag, node));
-    return result;
-  }
-  std::vector<std::int64_t> deltas() const {
-    std::vector<std::int64_t> result;
-    for (const std::uint32_t node : nodes)
-      result.push_back(dag->nodes[node]->violationDelta(*dag, node));
-    return result;
-  }
 
-  using Numbers = std::vector<std::int64_t>;
-  GraphBuilder graph;
   std::uint32_t a;
   std::uint32_t b;
-  std::vector<std::uint32_t> nodes;
-  std::unique_ptr<Dag> dag;
 };
 
 TEST_F(NodeDoubleComparisonTest, NoneSeparatesNumbersWithinTheTolerance) {
@@ -136,23 +114,17 @@ TEST(NodeDoubleComparisonRuleTest, OperandsOfOtherDomainsAreReadAsDoubles) {
 
 // ---- picks
 
-class DoublePickTest : public testing::Test {
+class DoublePickTest : public OneNodeTest {
 protected:
   void make(NodeType type) {
     graph = GraphBuilder();
     a = graph.boolean();
     b = graph.boolean();
-    node = graph.minimise(graph.node(type, {a, b}));
-    dag = graph.makeDag();
+    build(graph.node(type, {a, b}));
   }
 
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
-  GraphBuilder graph;
   std::uint32_t a = 0;
   std::uint32_t b = 0;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
 };
 
 TEST_F(DoublePickTest, EqualitiesPickAsTheIntegerOnes) {
@@ -206,7 +178,7 @@ TEST_F(DoublePickTest, AFloatIsNeverPicked) {
 
 // ---- targets
 
-class ComparisonTargetTest : public testing::Test {
+class ComparisonTargetTest : public OneNodeTest {
 protected:
   /// A comparison of two floats that stand at 2.5 and 4.5.
   void make(NodeType type) {
@@ -218,8 +190,7 @@ protected:
     test::setAndAccept(*dag, b, 4.5);
   }
   void close(NodeType type, std::uint32_t first, std::uint32_t second) {
-    node = graph.minimise(graph.node(type, {first, second}));
-    dag = graph.makeDag();
+    build(graph.node(type, {first, second}));
   }
   bool pickFor(std::int64_t wanted, std::uint32_t seed) {
     rng = seed;
@@ -237,11 +208,8 @@ protected:
     EXPECT_EQ(rng, afterDraws(seed, static_cast<int>(bits.size())));
   }
 
-  GraphBuilder graph;
   std::uint32_t a = 0;
   std::uint32_t b = 0;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
   std::uint32_t rng = 0;
   std::uint32_t found = kNone;
   OXValue value = OXValue::ofInt(0);

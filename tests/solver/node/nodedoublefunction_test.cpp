@@ -9,8 +9,7 @@
 #include <vector>
 
 #include "support/failures.h"
-#include "support/graphs.h"
-#include "support/picks.h"
+#include "support/nodefixtures.h"
 
 namespace ombrix {
 namespace {
@@ -20,18 +19,17 @@ using test::afterDraws;
 using test::expectNoPick;
 using test::expectPick;
 using test::GraphBuilder;
-using test::seedForTopBits;
+using test::OneNodeTest;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// A function over a float that starts at 0 and may take every value.
-class NodeDoubleFunctionTest : public testing::Test {
+class NodeDoubleFunctionTest : public OneNodeTest {
 protected:
   void make(NodeType type) {
     graph = GraphBuilder();
     x = graph.floating(-kInfinity, kInfinity);
-    node = graph.minimise(graph.node(type, {x}));
-    dag = graph.makeDag();
+    build(graph.node(type, {x}));
   }
   OXValue at(double argument) {
     test::setAndAccept(*dag, x, argument);
@@ -43,10 +41,7 @@ protected:
     test::expectFailure(5, function, text, [&] { at(argument); });
   }
 
-  GraphBuilder graph;
   std::uint32_t x = 0;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
 };
 
 TEST_F(NodeDoubleFunctionTest, RoundingsGiveIntegers) {
@@ -120,25 +115,18 @@ TEST(NodeDoublePowTest, FollowsThePowerOfTheCheckedMaths) {
 
 // ---- picks
 
-class DoubleFunctionPickTest : public testing::Test {
+class DoubleFunctionPickTest : public OneNodeTest {
 protected:
   void make(NodeType type) {
     graph = GraphBuilder();
     x = graph.boolean();
-    node = graph.minimise(graph.node(type, {x}));
-    dag = graph.makeDag();
+    build(graph.node(type, {x}));
   }
   void makePow(std::uint32_t base, std::uint32_t exponent) {
-    node = graph.minimise(graph.node(NodeType::DoublePow, {base, exponent}));
-    dag = graph.makeDag();
+    build(graph.node(NodeType::DoublePow, {base, exponent}));
   }
 
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
-  GraphBuilder graph;
   std::uint32_t x = 0;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
 };
 
 TEST_F(DoubleFunctionPickTest, RisingFunctionsPassTheDirectionOn) {

@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/graphs.h"
-#include "support/picks.h"
+#include "support/nodefixtures.h"
 
 namespace ombrix {
 namespace {
@@ -13,14 +12,13 @@ using test::afterDraws;
 using test::expectNoPick;
 using test::expectPick;
 using test::GraphBuilder;
-using test::seedForTopBits;
+using test::OneNodeTest;
 
 /// Both forms over three boolean decisions.
-class NodeIfTest : public testing::TestWithParam<NodeType> {
+class NodeIfTest : public OneNodeTest, public testing::WithParamInterface<NodeType> {
 protected:
   void make(std::uint32_t condition, std::uint32_t thenBranch, std::uint32_t elseBranch) {
-    node = graph.minimise(graph.node(GetParam(), {condition, thenBranch, elseBranch}));
-    dag = graph.makeDag();
+    build(graph.node(GetParam(), {condition, thenBranch, elseBranch}));
   }
   void makeFree() {
     c = graph.boolean();
@@ -30,14 +28,9 @@ protected:
   }
   double value() const { return doubleValue(dag->fixedFields->domains[node], dag->values[node]); }
 
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
-  GraphBuilder graph;
   std::uint32_t c = 0;
   std::uint32_t t = 0;
   std::uint32_t e = 0;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
 };
 
 INSTANTIATE_TEST_SUITE_P(BothForms, NodeIfTest, testing::Values(NodeType::If, NodeType::DoubleIf),

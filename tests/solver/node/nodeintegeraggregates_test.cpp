@@ -3,8 +3,7 @@
 #include <limits>
 #include <vector>
 
-#include "support/graphs.h"
-#include "support/picks.h"
+#include "support/nodefixtures.h"
 
 namespace ombrix {
 namespace {
@@ -14,6 +13,7 @@ using test::afterDraws;
 using test::expectNoPick;
 using test::expectPick;
 using test::GraphBuilder;
+using test::OneNodeTest;
 using test::openMove;
 using test::seedForTopBits;
 
@@ -21,7 +21,7 @@ constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
 
 /// A node over boolean or integer decisions, numbered from 0, which start at the given values.
-class NodeAggregateTest : public testing::Test {
+class NodeAggregateTest : public OneNodeTest {
 protected:
   void makeOver(NodeType decisionType, NodeType type, const std::vector<std::int64_t>& start,
                 const std::vector<std::int64_t>& scalars) {
@@ -29,8 +29,7 @@ protected:
     std::vector<std::uint32_t> decisions;
     for (std::size_t i = 0; i < start.size(); ++i)
       decisions.push_back(graph.fields.addNode(decisionType));
-    node = graph.minimise(graph.node(type, decisions, scalars));
-    dag = graph.makeDag();
+    build(graph.node(type, decisions, scalars));
     for (std::uint32_t i = 0; i < start.size(); ++i) dag->propagation.setValue(*dag, i, start[i]);
     acceptMove(*dag, {});
     EXPECT_TRUE(isConsistent());
@@ -45,10 +44,6 @@ protected:
   }
 
   std::int64_t value() const { return dag->values[node].intValue; }
-  bool isConsistent() const { return dag->nodes[node]->isConsistent(*dag, node); }
-  std::string dump() const {
-    return test::captured([&] { dag->nodes[node]->dump(*dag, node); });
-  }
   /// Changes a decision behind the node's back.
   void falsify(std::uint32_t decision, std::int64_t changed) {
     dag->values[decision] = dag->tValues[decision] = OXValue::ofInt(changed);
@@ -62,10 +57,6 @@ protected:
     EXPECT_EQ(dag->tValues[node].intValue, before);
     EXPECT_TRUE(isConsistent());
   }
-
-  GraphBuilder graph;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
 };
 
 // ---- boolean_sum
@@ -112,8 +103,6 @@ TEST_F(NodeAggregateTest, BooleanSumWithoutACandidateAnswersNone) {
 
 TEST_F(NodeAggregateTest, BooleanSumPicksAmongItsOnesOrZeros) {
   makeBooleans(NodeType::BooleanSum, {1, 0, 1, 0});
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
   expectPick(test::pickDown(*dag, node, high), 2, afterDraws(high, 1));
   expectPick(test::pickUp(*dag, node, low), 1, afterDraws(low, 1));
   const test::Pick any = test::pickAny(*dag, node, 3);
@@ -175,8 +164,6 @@ TEST_F(NodeAggregateTest, SumFollowsARepeatedOperandOnceForEachPosition) {
 
 TEST_F(NodeAggregateTest, SumPicksByTheSignOfTheCoefficient) {
   makeBooleans(NodeType::ScalarSum, {1, 0}, {2, -3});
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
   expectPick(test::pickDown(*dag, node, low), 0, afterDraws(low, 1));
   expectPick(test::pickDown(*dag, node, high), 1, afterDraws(high, 1));
   expectNoPick(test::pickUp(*dag, node), 1);  // at its maximum
@@ -382,7 +369,6 @@ TEST_F(NodeAggregateTest, ExtremaDumpTheirSets) {
 TEST_F(NodeAggregateTest, MaxPicksSupportsDownAndCandidatesUp) {
   makeBooleans(NodeType::ScalarMax, {0, 0, 1, 0}, {2, 3, 1, 1});  // 1, between 0 and 3
   expectPick(test::pickDown(*dag, node, 9), 2, 9);
-  const std::uint32_t high = seedForTopBits({1});
   expectPick(test::pickUp(*dag, node, high), 1, afterDraws(high, 1));
   acceptMove(*dag, {{1, 1}});
   expectNoPick(test::pickUp(*dag, node, 9), 9);  // at its maximum
@@ -395,7 +381,6 @@ TEST_F(NodeAggregateTest, ExtremaReverseThePickForANegativeCoefficient) {
   acceptMove(*dag, {{0, 0}});                           // 0: supported by the first
   expectPick(test::pickDown(*dag, node, 9), 0, 9);
   acceptMove(*dag, {{0, 1}});
-  const std::uint32_t high = seedForTopBits({1});
   expectPick(test::pickUp(*dag, node, high), 1, afterDraws(high, 1));
   makeBooleans(NodeType::ScalarMin, {1, 0}, {-2, -3});  // -2, between -3 and 0
   expectPick(test::pickDown(*dag, node, 9), 1, 9);

@@ -3,8 +3,7 @@
 #include <vector>
 
 #include "support/failures.h"
-#include "support/graphs.h"
-#include "support/picks.h"
+#include "support/nodefixtures.h"
 
 namespace ombrix {
 namespace {
@@ -14,16 +13,16 @@ using test::afterDraws;
 using test::expectNoPick;
 using test::expectPick;
 using test::GraphBuilder;
+using test::OneNodeTest;
 using test::openMove;
 using test::seedForTopBits;
 
 /// A node over n boolean decisions numbered from 0, which start at the given values.
-class NodeLogicalTest : public testing::Test {
+class NodeLogicalTest : public OneNodeTest {
 protected:
   void make(NodeType type, const std::vector<int>& start) {
     const auto decisions = graph.booleans(static_cast<std::uint32_t>(start.size()));
-    node = graph.minimise(graph.node(type, decisions));
-    dag = graph.makeDag();
+    build(graph.node(type, decisions));
     for (std::uint32_t i = 0; i < start.size(); ++i)
       dag->propagation.setValue(*dag, i, static_cast<std::int64_t>(start[i]));
     acceptMove(*dag, {});
@@ -32,11 +31,6 @@ protected:
 
   std::int64_t value() const { return dag->values[node].intValue; }
   std::int64_t tValue() const { return dag->tValues[node].intValue; }
-  bool isConsistent() const { return dag->nodes[node]->isConsistent(*dag, node); }
-
-  GraphBuilder graph;
-  std::uint32_t node = 0;
-  std::unique_ptr<Dag> dag;
 };
 
 TEST_F(NodeLogicalTest, AndStaysFalseWhenOneOfManyZerosRises) {
@@ -171,8 +165,6 @@ TEST_F(NodeLogicalTest, ATrueAndOfDecisionsOffersNoDecrease) {
 
 TEST_F(NodeLogicalTest, AndRisesThroughARandomZero) {
   make(NodeType::And, {1, 0, 1, 0});
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
   expectPick(test::pickUp(*dag, node, low), 1, afterDraws(low, 1));
   expectPick(test::pickUp(*dag, node, high), 3, afterDraws(high, 1));
   expectPick(test::pickAny(*dag, node, low), 1, afterDraws(low, 1));
@@ -192,8 +184,6 @@ TEST_F(NodeLogicalTest, ATrueAndChangesThroughAnyOperandEitherWay) {
 
 TEST_F(NodeLogicalTest, OrFallsThroughARandomOne) {
   make(NodeType::Or, {1, 0, 1, 0});
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
   expectPick(test::pickDown(*dag, node, low), 0, afterDraws(low, 1));
   expectPick(test::pickDown(*dag, node, high), 2, afterDraws(high, 1));
   expectPick(test::pickAny(*dag, node, high), 2, afterDraws(high, 1));
@@ -202,8 +192,6 @@ TEST_F(NodeLogicalTest, OrFallsThroughARandomOne) {
 
 TEST_F(NodeLogicalTest, AFalseOrRisesThroughARandomOperand) {
   make(NodeType::Or, {0, 0});
-  const std::uint32_t low = seedForTopBits({0});
-  const std::uint32_t high = seedForTopBits({1});
   expectPick(test::pickUp(*dag, node, low), 0, afterDraws(low, 1));
   expectPick(test::pickUp(*dag, node, high), 1, afterDraws(high, 1));
   expectPick(test::pickAny(*dag, node, high), 1, afterDraws(high, 1));
