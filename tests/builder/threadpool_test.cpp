@@ -4,8 +4,11 @@
 #include <sys/resource.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <stdexcept>
+#include <thread>
+#include <vector>
 
 namespace ombrix {
 namespace {
@@ -53,6 +56,32 @@ TEST(ThreadPool, HandsPlainDataOverInBothDirections) {
     pool.waitAll();
     for (int& cell : cells) EXPECT_EQ(cell, round + 1);
   }
+}
+
+TEST(ThreadPool, WakesAThreadForEveryTaskAlsoWhenTheirLookOutIsOver) {
+  using Clock = std::chrono::steady_clock;
+  constexpr auto kLongerThanALookOut = std::chrono::milliseconds(20);
+  constexpr int kNbThreads = 2;
+  std::atomic<int> nbStarted = 0;
+  std::atomic<int> nbAlone = 0;
+  Task meeting{[&] {
+    ++nbStarted;
+    const auto end = Clock::now() + std::chrono::seconds(10);
+    while (nbStarted < kNbThreads && Clock::now() < end) std::this_thread::yield();
+    if (nbStarted < kNbThreads) ++nbAlone;
+  }};
+  {
+    ThreadPool<Task> pool(kNbThreads);
+    for (int batch = 0; batch < 3; ++batch) {
+      std::this_thread::sleep_for(kLongerThanALookOut);
+      nbStarted = 0;
+      for (int i = 0; i < kNbThreads; ++i) pool.enqueue(&meeting);
+      pool.waitAll();
+      EXPECT_EQ(nbStarted, kNbThreads);
+    }
+    std::this_thread::sleep_for(kLongerThanALookOut);
+  }
+  EXPECT_EQ(nbAlone, 0);
 }
 
 TEST(ThreadPool, TakesTheLastTaskFirst) {

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <set>
+#include <vector>
 
 namespace ombrix {
 namespace {
@@ -20,6 +23,13 @@ TEST(NodePool, consumesABlockFromItsEndTowardsItsStart) {
     EXPECT_EQ(previous - element, 24);
     previous = element;
   }
+}
+
+TEST(NodePool, aBlockBeginsWithACacheLine) {
+  NodePool pool(24);
+  std::byte* element = nullptr;
+  for (int i = 0; i < 128; ++i) element = next(pool);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(element) % kCacheLineSize, 0u);
 }
 
 // A block ends where the next element is not the one just below.
