@@ -74,9 +74,11 @@ void buildAssignment(Instance& instance, Draws& draws) {
     instance.start.push_back(at(i, i));
   }
   for (int k = 0; k < 2000; ++k) {
-    OXExpression* both = instance.model.createExpression(
-        OXOperator::And, at(draws.below(n), draws.below(n)), at(draws.below(n), draws.below(n)));
-    instance.pay(1 + draws.below(50), both);
+    // Each draw in a statement of its own: the order of arguments differs between compilers.
+    OXExpression* one = draws.of(x);
+    OXExpression* other = draws.of(x);
+    const int cost = 1 + draws.below(50);
+    instance.pay(cost, instance.model.createExpression(OXOperator::And, one, other));
   }
 }
 
