@@ -8,22 +8,15 @@ portfolio, antennas, travellingsalesman, carsequencing, binpacking or timetable;
 the program read, SOLUTION the file of numbers that it wrote. Prints "objective N" and exits with
 0 when the solution is feasible; otherwise says what is wrong and exits with 1.
 """
-import gzip
 import math
 import sys
 from decimal import Decimal
 
+from check_opb import read_text
+
 
 class Wrong(Exception):
     """The solution cannot stand; the text says why."""
-
-
-def words(name):
-    with open(name, "rb") as stream:
-        raw = stream.read()
-    if raw[:2] == b"\x1f\x8b":
-        raw = gzip.decompress(raw)
-    return raw.decode("latin-1")
 
 
 def distinct(solution, low, high, what):
@@ -291,8 +284,8 @@ def main(arguments):
         print(__doc__, file=sys.stderr)
         return 2
     try:
-        solution = [int(word) for word in words(arguments[2]).split()]
-        objective = PROBLEMS[arguments[0]](words(arguments[1]), solution)
+        solution = [int(word) for word in read_text(arguments[2]).split()]
+        objective = PROBLEMS[arguments[0]](read_text(arguments[1]), solution)
     except (Wrong, OSError, ValueError, IndexError) as failure:
         print("wrong: %s" % failure)
         return 1
