@@ -9,18 +9,14 @@
 #include <vector>
 
 #include "api/ombrix.h"
+#include "support/statemessages.h"
 
 namespace ombrix {
 namespace {
 
-const char* const kModeling =
-    "This method is only allowed in state Modeling (the model must not be closed).";
-const char* const kStopped =
-    "This method is only allowed in state Stopped (the model must be closed and the solver must be "
-    "stopped).";
-const char* const kPausedOrStopped =
-    "This method is only allowed in states Paused or Stopped (the model must be closed and the "
-    "solver must be paused or stopped).";
+using test::kModeling;
+using test::kPausedOrStopped;
+using test::kStopped;
 
 using Answer = std::optional<std::string>;
 

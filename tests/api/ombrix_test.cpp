@@ -9,25 +9,17 @@
 
 #include "builder/solverrecord.h"
 #include "tests/support/failures.h"
+#include "tests/support/statemessages.h"
 
 namespace ombrix {
 namespace {
 
 using test::expectFailure;
-
-const char* const kModeling =
-    "This method is only allowed in state Modeling (the model must not be closed).";
-const char* const kStopped =
-    "This method is only allowed in state Stopped (the model must be closed and the solver must be "
-    "stopped).";
-const char* const kPausedOrStopped =
-    "This method is only allowed in states Paused or Stopped (the model must be closed and the "
-    "solver must be paused or stopped).";
-const char* const kNotRunning =
-    "This method cannot be called in state Running (the model must not be closed or the solver "
-    "must be paused or stopped).";
-const char* const kStarted =
-    "This method cannot be called if the solver has not been started at least once.";
+using test::kModeling;
+using test::kNotRunning;
+using test::kPausedOrStopped;
+using test::kStarted;
+using test::kStopped;
 
 /// The answer to a call in each of the four states, in order of their numbers: null if it is
 /// allowed, else the message.

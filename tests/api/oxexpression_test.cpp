@@ -8,15 +8,14 @@
 #include "api/ombrix.h"
 #include "builder/modelrecord.h"
 #include "tests/support/failures.h"
+#include "tests/support/statemessages.h"
 
 namespace ombrix {
 namespace {
 
 using test::expectFailure;
-
-const char* const kPausedOrStopped =
-    "This method is only allowed in states Paused or Stopped (the model must be closed and the "
-    "solver must be paused or stopped).";
+using test::kModeling;
+using test::kPausedOrStopped;
 
 class OXExpressionTest : public ::testing::Test {
 protected:
@@ -192,9 +191,7 @@ TEST_F(OXExpressionTest, SetOperandTestsForNullBeforeTheOpenModel) {
   close();
   expectFailure(0, "OXExpression::setOperand", "Argument expr cannot be null.",
                 [&] { total->setOperand(0, static_cast<OXExpression*>(nullptr)); });
-  expectFailure(0, "OXExpression::setOperand",
-                "This method is only allowed in state Modeling (the model must not be closed).",
-                [&] { total->setOperand(7, total); });
+  expectFailure(0, "OXExpression::setOperand", kModeling, [&] { total->setOperand(7, total); });
 }
 
 TEST_F(OXExpressionTest, TellsThePositionsAllowed) {

@@ -7,11 +7,14 @@
 
 #include "api/ombrix.h"
 #include "tests/support/failures.h"
+#include "tests/support/statemessages.h"
 
 namespace ombrix {
 namespace {
 
 using test::expectFailure;
+using test::kPausedOrStopped;
+using test::kStopped;
 
 constexpr long long kSmallest = std::numeric_limits<long long>::min();
 constexpr long long kLargest = std::numeric_limits<long long>::max();
@@ -100,14 +103,8 @@ TEST_F(OXParamTest, RefusesWhatIsOutOfRange) {
 }
 
 TEST_F(OXParamTest, CanBeSetOnAClosedModelOnly) {
-  expectFailure(0, "OXParam::setSeed",
-                "This method is only allowed in state Stopped (the model must be closed and the "
-                "solver must be stopped).",
-                [&] { param.setSeed(1); });
-  expectFailure(0, "OXParam::getSeed",
-                "This method is only allowed in states Paused or Stopped (the model must be "
-                "closed and the solver must be paused or stopped).",
-                [&] { param.getSeed(); });
+  expectFailure(0, "OXParam::setSeed", kStopped, [&] { param.setSeed(1); });
+  expectFailure(0, "OXParam::getSeed", kPausedOrStopped, [&] { param.getSeed(); });
 }
 
 TEST_F(OXParamTest, AnObjectiveHasNoBoundAtFirst) {

@@ -4,11 +4,13 @@
 
 #include "api/ombrix.h"
 #include "tests/support/failures.h"
+#include "tests/support/statemessages.h"
 
 namespace ombrix {
 namespace {
 
 using test::expectFailure;
+using test::kStopped;
 
 class OXPhaseTest : public ::testing::Test {
 protected:
@@ -81,11 +83,8 @@ TEST_F(OXPhaseTest, APhaseKeepsItsLastObjectiveWhenMoreAreAdded) {
 TEST_F(OXPhaseTest, PhasesNeedAClosedModel) {
   OXPhase* phase = solver.createPhase();
   model().open();
-  const char* text =
-      "This method is only allowed in state Stopped (the model must be closed and the solver must "
-      "be stopped).";
-  expectFailure(0, "Ombrix::createPhase", text, [&] { solver.createPhase(); });
-  expectFailure(0, "OXPhase::getOmbrix", text, [&] { phase->getOmbrix(); });
+  expectFailure(0, "Ombrix::createPhase", kStopped, [&] { solver.createPhase(); });
+  expectFailure(0, "OXPhase::getOmbrix", kStopped, [&] { phase->getOmbrix(); });
   EXPECT_EQ(phase->toString(), "no time limit, no iteration limit, optimized objective = 0");
 }
 

@@ -5,11 +5,13 @@
 #include "api/ombrix.h"
 #include "builder/solverrecord.h"
 #include "tests/support/failures.h"
+#include "tests/support/statemessages.h"
 
 namespace ombrix {
 namespace {
 
 using test::expectFailure;
+using test::kStarted;
 
 class OXStatisticsTest : public ::testing::Test {
 protected:
@@ -78,11 +80,9 @@ TEST_F(OXStatisticsTest, AResetKeepsTheRunningTime) {
 }
 
 TEST_F(OXStatisticsTest, InfoNeedsAStartedSolverBeforeAnything) {
-  const char* text =
-      "This method cannot be called if the solver has not been started at least once.";
-  expectFailure(0, "OXStatistics::getInfo", text, [&] { totals.getInfo(); });
+  expectFailure(0, "OXStatistics::getInfo", kStarted, [&] { totals.getInfo(); });
   solver.getModel()->open();
-  expectFailure(0, "OXStatistics::getInfo", text, [&] { totals.getInfo(); });
+  expectFailure(0, "OXStatistics::getInfo", kStarted, [&] { totals.getInfo(); });
 }
 
 TEST_F(OXStatisticsTest, InfoRoundsSharesUpToOneDecimal) {

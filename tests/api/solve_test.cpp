@@ -25,15 +25,13 @@
 #include "common/failure.h"
 #include "support/failures.h"
 #include "support/solvermodels.h"
+#include "support/statemessages.h"
 
 namespace ombrix {
 namespace {
 
-constexpr const char* kStoppedOnly =
-    "This method is only allowed in state Stopped (the model must be closed and the solver must be "
-    "stopped).";
-constexpr const char* kStarted =
-    "This method cannot be called if the solver has not been started at least once.";
+using test::kStarted;
+using test::kStopped;
 
 /// What a call writes to the standard output.
 std::string capture(const std::function<void()>& call) {
@@ -80,7 +78,7 @@ protected:
 // The course of solve.
 
 TEST_F(SolveTest, IsRefusedWhileTheModelIsOpen) {
-  test::expectFailure(kMisuse, "Ombrix::solve", kStoppedOnly, [&] { solver.solve(); });
+  test::expectFailure(kMisuse, "Ombrix::solve", kStopped, [&] { solver.solve(); });
   EXPECT_EQ(solver.getState(), OXState::Modeling);
 }
 
@@ -527,7 +525,7 @@ TEST_F(SolveTest, WhileRunningAllButGetStateAndStopIsRefused) {
     try {
       solver.solve();
     } catch (const OXException& e) {
-      if (e.getExplanation() == kStoppedOnly) ++nbRefused;
+      if (e.getExplanation() == kStopped) ++nbRefused;
     }
     stopUntilEnded(solver, ended);
   });
@@ -642,7 +640,7 @@ TEST_F(SolveTest, AFailureOfAWorkerReachesTheCallerAndLosesNothing) {
   EXPECT_NO_THROW(solver.getInfo());
   EXPECT_NO_THROW(solver.toString());
   EXPECT_NO_THROW(solver.getStatistics()->toString());
-  test::expectFailure(kMisuse, "Ombrix::solve", kStoppedOnly, [&] { solver.solve(); });
+  test::expectFailure(kMisuse, "Ombrix::solve", kStopped, [&] { solver.solve(); });
   solver.stop();
 }
 

@@ -10,12 +10,14 @@
 #include "builder/parallelizer.h"
 #include "oxm/binarywriter.h"
 #include "support/failures.h"
+#include "support/statemessages.h"
 #include "support/tokenfiles.h"
 
 namespace ombrix {
 namespace {
 
 using test::expectFailure;
+using test::kModeling;
 using test::TemporaryFile;
 
 /// Reads files into a fresh solver.
@@ -260,10 +262,8 @@ TEST_F(ModelReaderTest, TheSolutionMayStandBeforeThePhases) {
 }
 
 TEST_F(ModelReaderTest, AModelSectionBehindTheClosingIsRefused) {
-  expectSectionRefused(
-      0, "OXModel::addConstraint",
-      "This method is only allowed in state Modeling (the model must not be closed).",
-      ",\"phases\"={},\"constraints\"={{\"idx\"=0}}");
+  expectSectionRefused(0, "OXModel::addConstraint", kModeling,
+                       ",\"phases\"={},\"constraints\"={{\"idx\"=0}}");
 }
 
 TEST_F(ModelReaderTest, WhatIsReadIsCheckedByTheClosing) {
