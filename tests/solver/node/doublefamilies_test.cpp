@@ -10,6 +10,7 @@
 
 #include "solver/kernel/random.h"
 #include "support/graphs.h"
+#include "support/widths.h"
 
 namespace ombrix {
 namespace {
@@ -176,10 +177,7 @@ std::string nameOf(const testing::TestParamInfo<DoubleFamilyTest::ParamType>& te
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryWidth, DoubleFamilyTest,
-                         testing::Combine(testing::Range<std::size_t>(0, 8),
-                                          testing::Values(1, 2, 3, 8, 9, 16, 17, 32, 33, 64, 65,
-                                                          128, 129, 256, 257, 512, 513, 1024,
-                                                          1025)),
+                         testing::Combine(testing::Range<std::size_t>(0, 8), test::everyWidth()),
                          nameOf);
 
 class WidestDoubleFamilyTest : public DoubleFamilyTest {};
@@ -189,9 +187,7 @@ TEST_P(WidestDoubleFamilyTest, RandomMovesKeepItsMeaning) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Widest, WidestDoubleFamilyTest,
-                         testing::Combine(testing::Values(1, 4),
-                                          testing::Values(65534, 65535, 70000)),
-                         nameOf);
+                         testing::Combine(testing::Values(1, 4), test::widestWidths()), nameOf);
 
 }  // namespace
 }  // namespace ombrix

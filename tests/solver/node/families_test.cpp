@@ -9,6 +9,7 @@
 
 #include "solver/kernel/random.h"
 #include "support/graphs.h"
+#include "support/widths.h"
 
 namespace ombrix {
 namespace {
@@ -189,13 +190,9 @@ std::string nameOf(const testing::TestParamInfo<FamilyTest::ParamType>& tested) 
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryWidth, FamilyTest,
-                         testing::Combine(testing::Range<std::size_t>(0, 12),
-                                          testing::Values(1, 2, 3, 8, 9, 16, 17, 32, 33, 64, 65,
-                                                          128, 129, 256, 257, 512, 513, 1024,
-                                                          1025)),
+                         testing::Combine(testing::Range<std::size_t>(0, 12), test::everyWidth()),
                          nameOf);
 
-// The widest sets: positions of 16 bits up to 65534 operands, of 32 bits beyond.
 class WidestFamilyTest : public FamilyTest {};
 
 TEST_P(WidestFamilyTest, RandomMovesKeepItsMeaning) {
@@ -209,8 +206,7 @@ TEST_P(WidestFamilyTest, RandomMovesKeepItsMeaning) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Widest, WidestFamilyTest,
-                         testing::Combine(testing::Values(0, 1, 4, 8),
-                                          testing::Values(65534, 65535, 70000)),
+                         testing::Combine(testing::Values(0, 1, 4, 8), test::widestWidths()),
                          nameOf);
 
 }  // namespace
