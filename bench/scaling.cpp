@@ -6,12 +6,14 @@
 
 #include <malloc.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
@@ -103,24 +105,19 @@ double movesPerSecond(const Search& search, int nbThreads) {
   return movesPerSecond(search, nbThreads, [] {});
 }
 
+[[noreturn]] void fail(const char* call) {
+  std::fprintf(stderr, "bench_scaling: %s failed\n", call);
+  std::exit(1);
+}
+
 /// What two processes that search at the same time tell each other.
 struct Shared {
   std::atomic<int> nbReady = 0;
   std::atomic<double> childSpeed = 0.0;
-
-  /// Returns when both processes are here.
-  void meet() {
-    ++nbReady;
-    while (nbReady < 2) std::this_thread::yield();
-  }
 };
 
-[[noreturn]] void fail(const char* call) {
-  std::perror(call);
-  std::exit(1);
-}
-
-/// Attempted moves per second of two processes of one thread each, together.
+/// Attempted moves per second of two processes of one thread each, until the slower one is done:
+/// two threads of one search wait for each other too.
 double movesPerSecondOfTwoProcesses(const Search& search) {
   void* memory =
       mmap(nullptr, sizeof(Shared), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
@@ -128,15 +125,23 @@ double movesPerSecondOfTwoProcesses(const Search& search) {
   auto* shared = new (memory) Shared;
   const pid_t child = fork();
   if (child < 0) fail("fork");
-  const double speed = movesPerSecond(search, 1, [shared] { shared->meet(); });
+  if (child == 0) prctl(PR_SET_PDEATHSIG, SIGKILL);
+  const double speed = movesPerSecond(search, 1, [shared, child] {
+    ++shared->nbReady;
+    while (shared->nbReady < 2) {
+      if (child > 0 && waitpid(child, nullptr, WNOHANG) != 0) fail("the second process");
+      std::this_thread::yield();
+    }
+  });
   if (child == 0) {
     shared->childSpeed = speed;
     _exit(0);
   }
-  waitpid(child, nullptr, 0);
-  const double both = speed + shared->childSpeed;
+  int status = 0;
+  if (waitpid(child, &status, 0) != child || status != 0) fail("the second process");
+  const double slower = std::min<double>(speed, shared->childSpeed);
   munmap(memory, sizeof(Shared));
-  return both;
+  return 2.0 * slower;
 }
 
 /// How every speed is measured.

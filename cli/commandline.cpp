@@ -171,10 +171,7 @@ public:
       const auto [key, value] = splitAssignment(text, "--set");
       line.advancedParams.emplace_back(key, parseNumber<int>(value, INT_MIN, "--set " + key));
     }
-    for (const std::string& text : bounds) {
-      const auto [objective, value] = splitAssignment(text, "--bound", "I=VALUE");
-      line.objectiveBounds.emplace_back(parseNumber<int>(objective, 0, "--bound"), value);
-    }
+    parseBounds();
     if (trace) line.advancedParams.emplace_back("traceEnabled", 1);
     for (const std::string& text : phaseTexts) line.phases.push_back(parsePhase(text));
     if (line.phases.empty()) line.phases.push_back(single);
@@ -187,6 +184,18 @@ private:
     if (solve->parsed()) return CommandLine::Command::Solve;
     if (convert->parsed()) return CommandLine::Command::Convert;
     return show->parsed() ? CommandLine::Command::Show : CommandLine::Command::Info;
+  }
+
+  void parseBounds() {
+    std::set<int> objectives;
+    for (const std::string& text : bounds) {
+      const auto [objective, value] = splitAssignment(text, "--bound", "I=VALUE");
+      const int index = parseNumber<int>(objective, 0, "--bound");
+      if (!objectives.insert(index).second) {
+        throw InputError("--bound " + std::to_string(index) + ": given twice");
+      }
+      line.objectiveBounds.emplace_back(index, value);
+    }
   }
 
   void describeConvert() {
@@ -216,9 +225,10 @@ private:
                                                "The index of the objective to optimise");
     objective->check(CLI::Range(0, INT_MAX))->excludes(phases)->type_name("I");
     solve
-        ->add_option("--bound", bounds,
-                     "Take objective I for reached at VALUE and end the search there; may be given "
-                     "repeatedly")
+        ->add_option(
+            "--bound", bounds,
+            "Take objective I for reached at VALUE; the search ends once all objectives that "
+            "are optimised are reached; may be given repeatedly")
         ->type_name("I=VALUE")
         ->allow_extra_args(false);
     solve->add_option("--threads", line.threads, "Number of search threads, 2 if not given")

@@ -30,8 +30,9 @@ Number boundFrom(const std::string& text, const std::string& expected) {
   Number number{};
   const char* const end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, number);
-  const bool isNumber = !std::isnan(static_cast<double>(number));
-  if (result.ec == std::errc() && result.ptr == end && isNumber) return number;
+  // An infinite bound is none, or one that every solution reaches.
+  const bool isFinite = std::isfinite(static_cast<double>(number));
+  if (result.ec == std::errc() && result.ptr == end && isFinite) return number;
   throw InputError("--bound: found \"" + text + "\", expected " + expected);
 }
 
@@ -46,7 +47,7 @@ void setObjectiveBounds(const CommandLine& line, Ombrix& solver) {
                        std::to_string(model.getNbObjectives()) + ", counted from 0");
     }
     if (model.getObjective(index)->isDouble()) {
-      param.setObjectiveBound(index, boundFrom<double>(text, "a number"));
+      param.setObjectiveBound(index, boundFrom<double>(text, "a finite number"));
     } else {
       param.setObjectiveBound(index, boundFrom<long long>(text, "an integer of 64 bits"));
     }

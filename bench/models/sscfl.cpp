@@ -7,6 +7,7 @@
 // its own and no constraint that ties one to the assignment, so that moving a customer is one move.
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 
 #include "instancefile.h"
@@ -80,7 +81,8 @@ std::vector<std::size_t> assign(const Instance& instance, const std::vector<std:
 std::vector<std::size_t> assignGreedily(const Instance& instance) {
   std::vector<std::size_t> open;
   for (const std::size_t f : sortedBy(instance.nbFacilities, [&](std::size_t i) {
-         return instance.opening[i] / instance.capacities[i];
+         const double capacity = instance.capacities[i];
+         return capacity > 0 ? instance.opening[i] / capacity : HUGE_VAL;
        })) {
     open.push_back(f);
     std::vector<std::size_t> facilityOf = assign(instance, open);

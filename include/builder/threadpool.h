@@ -91,6 +91,8 @@ ThreadPool<T>::~ThreadPool() {
 template <typename T>
 void ThreadPool<T>::startThreads() {
   threads.reserve(nbThreads);
+  // A batch of a task for each thread is enqueued without allocating.
+  tasks.reserve(nbThreads);
   for (std::size_t i = 0; i < nbThreads; ++i) {
     try {
       threads.emplace_back([this] { work(); });

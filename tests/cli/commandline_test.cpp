@@ -140,6 +140,11 @@ TEST(CommandLine, MalformedPhasesAreRefused) {
             "--phase time: given twice");
 }
 
+TEST(CommandLine, ABoundIsGivenOnceForEachObjective) {
+  EXPECT_EQ(refusalOf({"solve", "m", "--bound", "1=5", "--bound", "0=2", "--bound", "1=6"}),
+            "--bound 1: given twice");
+}
+
 TEST(CommandLine, TraceIsTheParameterOfTheEngine) {
   EXPECT_TRUE(parse({"solve", "m"}).advancedParams.empty());
   const std::vector<std::pair<std::string, int>> expected{{"traceEnabled", 1}};

@@ -45,8 +45,8 @@ TEST(SearchOptions, ABoundIsReadAsItsObjectiveNeedsIt) {
 TEST(SearchOptions, ABoundThatItsObjectiveCannotTakeIsRefused) {
   EXPECT_EQ(refusalOf("2", "1"), "--bound: found objective 2, expected one of 2, counted from 0");
   EXPECT_EQ(refusalOf("0", "1.5"), "--bound: found \"1.5\", expected an integer of 64 bits");
-  for (const std::string wrong : {"", "x", "1x", "nan"}) {
-    EXPECT_EQ(refusalOf("1", wrong), "--bound: found \"" + wrong + "\", expected a number");
+  for (const std::string wrong : {"", "x", "1x", "nan", "inf", "-inf", "1e400"}) {
+    EXPECT_EQ(refusalOf("1", wrong), "--bound: found \"" + wrong + "\", expected a finite number");
   }
 }
 

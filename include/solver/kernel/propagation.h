@@ -28,7 +28,7 @@ class DagFixedFields;
 /// Touched nodes stand on the queue of their rank and kind, a region of one flat array laid out by
 /// the fixed fields; a bit per rank tells which queues to look at. While no move is open: all
 /// queues are empty, no node is touched, pending and nextPending are empty, nextLevel is 0 and both
-/// infeasibilities are equal. An active constraint has value 1 and is never violated.
+/// infeasibilities are equal. An active constraint is never violated.
 class Propagation {
 public:
   Infeasibility tInfeasibility;   ///< under the open move
