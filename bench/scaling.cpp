@@ -222,9 +222,8 @@ int main(int argc, char** argv) {
   const int smallest = argc > 6 ? std::atoi(argv[6]) : 1000;
   std::printf(
       "family,decisions,moves,expressions,operands,build s,close s,expressions/s,"
-      "bytes/expression less 24/operand,moves/s 1 thread,moves/s 2 threads,ratio,moves/s 2 "
-      "processes,"
-      "ratio\n");
+      "bytes/expression less 24/operand,moves/s 1 thread,moves/s 2 threads,ratio of threads,"
+      "moves/s 2 processes,ratio of processes\n");
   for (const auto& family : ombrix::bench::families()) {
     if (!chosenFamily.empty() && chosenFamily != family.name) continue;
     for (int n = smallest; n <= largest; n *= 10) {
