@@ -83,7 +83,8 @@ int SearchRecorder::compareToBest(const Solution& found) const {
 
 void SearchRecorder::record(const Heuristic& heuristic) {
   bestInfeasibility = heuristic.bestSolution.getInfeasibility();
-  bestObjectives = heuristic.bestSolution.objectiveValues;
+  const auto& objectives = heuristic.bestSolution.objectiveValues;
+  bestObjectives.assign(objectives.begin(), objectives.end());
   Improvement improvement;
   improvement.time = secondsSinceStart();
   improvement.worker = workerOf(heuristic);
@@ -105,7 +106,8 @@ std::size_t SearchRecorder::workerOf(const Heuristic& heuristic) const {
 
 std::vector<OXValue> SearchRecorder::modelValues(const Heuristic& heuristic) const {
   const DagFixedFields& fields = *heuristic.dag->fixedFields;
-  std::vector<OXValue> values = heuristic.bestSolution.objectiveValues;
+  const auto& objectives = heuristic.bestSolution.objectiveValues;
+  std::vector<OXValue> values(objectives.begin(), objectives.end());
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (!isDouble[i]) continue;
     values[i] = OXValue::ofDouble(doubleValue(fields.domains[fields.objectives[i]], values[i]));

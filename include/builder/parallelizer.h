@@ -11,6 +11,7 @@
 
 #include "api/oxexception.h"
 #include "builder/threadpool.h"
+#include "solver/kernel/cacheline.h"
 #include "solver/kernel/heuristic.h"
 #include "solver/kernel/heuristiccallback.h"
 #include "solver/move/greedyinitializer.h"
@@ -29,8 +30,8 @@ struct Worker;
 /// number of iterations between two synchronisations, so the result does not hang on thread timing.
 ///
 /// Built by solve, over workers that outlive it; lives until the next solve. Only requestStop may
-/// be called from another thread.
-class Parallelizer {
+/// be called from another thread. Aligned to cache lines, as all workers read it at each iteration.
+class alignas(kCacheLineSize) Parallelizer {
 public:
   using CallbackFunction = void (*)(void*);
 

@@ -140,7 +140,7 @@ void DagBuilder::storeSolution(const Heuristic& heuristic, OXSolution& publicSol
 }
 
 void DagBuilder::storeDecisions(const Heuristic& heuristic, OXSolution& publicSolution) const {
-  const std::vector<OXValue>& best = heuristic.bestSolution.decisionValues;
+  const auto& best = heuristic.bestSolution.decisionValues;
   for (const OXExpression* decision : ModelRecord::decisions(*model)) {
     const std::size_t index = indexOf(*decision);
     const std::uint32_t node = decisionNode(*decision);

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/kernel/nodetype.h"
 #include "solver/kernel/oxvalue.h"
 
@@ -46,8 +47,9 @@ enum Direction : std::uint32_t { kMinimise = 0, kMaximise = 1 };
 /// Everything about the graph that no move changes: shape, types, ranks, bounds, scalars, and the
 /// order in which a change may travel. The builder fills it node by node and calls finish once;
 /// from then on any number of workers read it without a lock. Every array is indexed by node
-/// number, or flat with an array of offsets beside it; there are no pointers between nodes.
-class DagFixedFields {
+/// number, or flat with an array of offsets beside it; there are no pointers between nodes. Aligned
+/// to cache lines, so that nothing that a worker writes stands beside what all of them read.
+class alignas(kCacheLineSize) DagFixedFields {
 public:
   // The graph as told by the builder.
   std::uint32_t nbNodes = 0;               ///< also the next free node number

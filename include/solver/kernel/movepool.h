@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/move/move.h"
 
 namespace ombrix {
@@ -31,7 +32,7 @@ public:
   void printStatistics(std::ostream& out) const;
 
   std::vector<std::unique_ptr<Move>> moves;
-  std::vector<Move*> weightedMoves;
+  CacheLineVector<Move*> weightedMoves;
 };
 
 }  // namespace ombrix

@@ -39,7 +39,7 @@ public:
   SparseSet activeConstraints;    ///< indices in constraints: a move that breaks one is refused
   SparseSet violatedConstraints;  ///< indices of inactive constraints with value 0
   SparseSet staleNodes;           ///< nodes whose parents above activeLevel are out of date
-  std::vector<OXValue> staleValues;
+  CacheLineVector<OXValue> staleValues;
 
   virtual ~Propagation() = default;
 

@@ -2,8 +2,10 @@
 #define OMBRIX_SOLVER_KERNEL_SOLUTION_H
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/kernel/dag.h"
 
 namespace ombrix {
@@ -28,7 +30,7 @@ public:
   /// at the objectives up to and including level (none when negative).
   int compareTo(const Solution& other, int level) const;
   int compareTo(const Dag& other, int level) const;
-  int compareTo(const Infeasibility& infeasibility, const std::vector<OXValue>& objectives,
+  int compareTo(const Infeasibility& infeasibility, std::span<const OXValue> objectives,
                 int level) const;
   Infeasibility getInfeasibility() const {
     return {nbViolated, nbViolatedEqualities, violationSum};
@@ -38,9 +40,9 @@ public:
   std::int64_t nbViolated = 0;
   std::int64_t nbViolatedEqualities = 0;
   std::int64_t violationSum = 0;
-  std::vector<OXValue> objectiveValues;  ///< one per objective
-  std::vector<OXValue> decisionValues;   ///< by posInGroups of the decision
-  SparseSet changedDecisions;            ///< decision indices whose committed value differs
+  CacheLineVector<OXValue> objectiveValues;  ///< one per objective
+  CacheLineVector<OXValue> decisionValues;   ///< by posInGroups of the decision
+  SparseSet changedDecisions;                ///< decision indices whose committed value differs
   SparseSet activeConstraints;
 
 private:

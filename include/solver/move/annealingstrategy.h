@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/kernel/heuristicstrategy.h"
 
 namespace ombrix {
@@ -32,10 +33,10 @@ public:
   std::uint64_t plateauLength = 1000000;  ///< non-improving moves after which degradation stops
   std::uint32_t windowSize = 2;
   std::uint32_t nbImprovements = 0;  ///< since resetWindow; modulo windowSize the place of writing
-  std::vector<std::vector<double>> lastValues;  ///< per objective: the ring of improved values
+  std::vector<CacheLineVector<double>> lastValues;  ///< per objective: the ring of improved values
   std::uint32_t nbSinceImprovement = 0;
   std::uint32_t nbDegradingMoves = 0;
-  std::vector<double> windowSums;  ///< per objective: the sum of its ring
+  CacheLineVector<double> windowSums;  ///< per objective: the sum of its ring
   bool degradationActivated = true;
   std::uint32_t objectiveIndex = 0;  ///< the objective for which the window was last reset
   double lastProbability = 0;

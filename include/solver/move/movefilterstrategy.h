@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/kernel/heuristicstrategy.h"
 
 namespace ombrix {
@@ -21,10 +22,10 @@ public:
   void beforeIteration() override;
   void printStatistics(std::ostream& out) const override;
 
-  std::vector<double> scores;    ///< one per move
-  std::vector<Move*> increased;  ///< the moves below their due weight
-  std::vector<Move*> decreased;  ///< the moves above it
-  std::uint32_t period = 1000;   ///< iterations between two passes
+  CacheLineVector<double> scores;    ///< one per move
+  CacheLineVector<Move*> increased;  ///< the moves below their due weight
+  CacheLineVector<Move*> decreased;  ///< the moves above it
+  std::uint32_t period = 1000;       ///< iterations between two passes
   bool explorationEnabled = true;
   double infeasibleRatio = 0.99;  ///< a move that fails more often than that scores nothing
   std::uint32_t lastFilter = 0;   ///< iterations of the worker at the last pass

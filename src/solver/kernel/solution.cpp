@@ -129,7 +129,7 @@ int Solution::compareTo(const Solution& other, int level) const {
   return compareTo(other.getInfeasibility(), other.objectiveValues, level);
 }
 
-int Solution::compareTo(const Infeasibility& infeasibility, const std::vector<OXValue>& objectives,
+int Solution::compareTo(const Infeasibility& infeasibility, std::span<const OXValue> objectives,
                         int level) const {
   const int result = compareInfeasibility(getInfeasibility(), infeasibility);
   if (result != 0) return result;

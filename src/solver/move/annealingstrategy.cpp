@@ -11,18 +11,18 @@ namespace ombrix {
 
 AnnealingStrategy::AnnealingStrategy(Heuristic& owner) : HeuristicStrategy(owner) {
   const std::uint32_t nbObjectives = heuristic.dag->fixedFields->nbObjectives();
-  lastValues.assign(nbObjectives, std::vector<double>(windowSize, 0.0));
+  lastValues.assign(nbObjectives, CacheLineVector<double>(windowSize, 0.0));
   windowSums.assign(nbObjectives, 0.0);
 }
 
 void AnnealingStrategy::setWindowSize(std::uint32_t size) {
   windowSize = size;
-  for (std::vector<double>& ring : lastValues) ring.resize(size, 0.0);
+  for (CacheLineVector<double>& ring : lastValues) ring.resize(size, 0.0);
   resetWindow();
 }
 
 void AnnealingStrategy::resetWindow() {
-  for (std::vector<double>& ring : lastValues) std::fill(ring.begin(), ring.end(), 0.0);
+  for (CacheLineVector<double>& ring : lastValues) std::fill(ring.begin(), ring.end(), 0.0);
   std::fill(windowSums.begin(), windowSums.end(), 0.0);
   nbSinceImprovement = 0;
   nbImprovements = 0;

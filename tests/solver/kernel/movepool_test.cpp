@@ -46,12 +46,12 @@ TEST_F(MovePoolTest, EachMoveStandsAsOftenAsItsCurrentWeightSaysInTheOrderOfAddi
   Move* absent = add(0);
   Move* last = add(3);
   pool.rebuild();
-  EXPECT_EQ(pool.weightedMoves, (std::vector<Move*>{first, first, last, last, last}));
+  EXPECT_EQ(pool.weightedMoves, (CacheLineVector<Move*>{first, first, last, last, last}));
   first->weight = 0;
   absent->weight = 1;
   EXPECT_EQ(pool.weightedMoves.size(), 5u) << "a change of a weight waits for the rebuild";
   pool.rebuild();
-  EXPECT_EQ(pool.weightedMoves, (std::vector<Move*>{absent, last, last, last}));
+  EXPECT_EQ(pool.weightedMoves, (CacheLineVector<Move*>{absent, last, last, last}));
 }
 
 TEST_F(MovePoolTest, GetMoveRefusesAnIndexBeyondTheLastMove) {

@@ -40,7 +40,7 @@ TEST_F(AnnealingStrategyTest, DefaultsAreAWindowOfTwoAndAPlateauOfAMillion) {
   EXPECT_EQ(strategy->windowSize, 2u);
   EXPECT_EQ(strategy->plateauLength, 1000000u);
   EXPECT_TRUE(strategy->degradationActivated);
-  EXPECT_EQ(strategy->lastValues, (std::vector<std::vector<double>>{{0.0, 0.0}}));
+  EXPECT_EQ(strategy->lastValues, (std::vector<CacheLineVector<double>>{{0.0, 0.0}}));
 }
 
 TEST_F(AnnealingStrategyTest, BetweenTheLatestValueAndTheMeanTheChanceFallsToOneOverE) {
@@ -94,11 +94,11 @@ TEST_F(AnnealingStrategyTest, AcceptedDegradationsAreCounted) {
 TEST_F(AnnealingStrategyTest, TheFirstImprovementWritesAtPlaceOneOfTheRing) {
   start();
   improveTo(10);
-  EXPECT_EQ(strategy->lastValues[0], (std::vector<double>{0, 10}));
+  EXPECT_EQ(strategy->lastValues[0], (CacheLineVector<double>{0, 10}));
   improveTo(8);
-  EXPECT_EQ(strategy->lastValues[0], (std::vector<double>{8, 10}));
+  EXPECT_EQ(strategy->lastValues[0], (CacheLineVector<double>{8, 10}));
   improveTo(7);
-  EXPECT_EQ(strategy->lastValues[0], (std::vector<double>{8, 7}));
+  EXPECT_EQ(strategy->lastValues[0], (CacheLineVector<double>{8, 7}));
   EXPECT_EQ(strategy->windowSums[0], 15.0);
 }
 
@@ -157,7 +157,7 @@ TEST_F(AnnealingStrategyTest, ANewWindowSizeStartsTheWindowAnew) {
   strategy->degradationActivated = false;
   strategy->setWindowSize(4);
   EXPECT_EQ(strategy->windowSize, 4u);
-  EXPECT_EQ(strategy->lastValues[0], std::vector<double>(4, 0.0));
+  EXPECT_EQ(strategy->lastValues[0], CacheLineVector<double>(4, 0.0));
   EXPECT_EQ(strategy->windowSums[0], 0.0);
   EXPECT_EQ(strategy->nbImprovements, 0u);
   EXPECT_EQ(strategy->nbSinceImprovement, 0u);
@@ -185,7 +185,7 @@ TEST_F(AnnealingStrategyTest, EveryObjectiveHasItsOwnRing) {
   start();
   test::setAndAccept(*dag, first, 3.0);
   improveTo(10);
-  EXPECT_EQ(strategy->windowSums, (std::vector<double>{3, 10}));
+  EXPECT_EQ(strategy->windowSums, (CacheLineVector<double>{3, 10}));
 }
 
 TEST_F(AnnealingStrategyTest, ResetForgetsCountsAndWindow) {

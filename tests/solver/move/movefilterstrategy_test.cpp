@@ -102,7 +102,7 @@ TEST_F(MoveFilterStrategyTest, WithoutAnyImprovementTheScoresAreTheFactors) {
   add(1)->count(0, 10, 0, 20);
   add(1, 0.25)->count(0, 3, 0, 20);
   pass();
-  EXPECT_EQ(strategy->scores, (std::vector<double>{1.0, 0.25}));
+  EXPECT_EQ(strategy->scores, (CacheLineVector<double>{1.0, 0.25}));
 }
 
 TEST_F(MoveFilterStrategyTest, OneUnitLeavesEachMoveThatHasTooMuch) {
