@@ -38,7 +38,9 @@ public:
   CacheLineAllocator(const CacheLineAllocator<U>&) noexcept {}
 
   T* allocate(std::size_t nbElements) {
-    return static_cast<T*>(allocateCacheLines(nbElements * sizeof(T)));
+    // T may be a pointer: its own size is meant.
+    const std::size_t elementSize = sizeof(T);  // NOLINT(bugprone-sizeof-expression)
+    return static_cast<T*>(allocateCacheLines(nbElements * elementSize));
   }
   void deallocate(T* elements, std::size_t) { freeCacheLines(elements); }
 
