@@ -1,5 +1,5 @@
 // Graph colouring: give every vertex a colour, different ones to adjacent vertices, with as few
-// colours as possible. A greedy colouring comes first; then a model for one colour less is solved,
+// colours as possible. A greedy colouring comes first; then models for one colour less are solved,
 // again and again, until the time is over or the best known number is reached.
 //
 // File: "c" comments, "p edge VERTICES EDGES" (or "p col"), "e U V" for each edge, vertices from 1.
@@ -96,45 +96,95 @@ OXExpression* createConflicts(OXModel& model, const Graph& graph,
   return conflicts;
 }
 
-/// Looks for a colouring with so many colours, from one that has more: the vertices of the colours
-/// that are gone start with any. Conflicts are counted and not forbidden, so the search may pass
-/// through them; it ends when none is left or when the time is over. Empty if it found none.
-Colouring colourWith(const Graph& graph, std::size_t nbAllowed, const Colouring& start,
-                     int seconds) {
+/// A number of conflicts in steps of a grain, rounded up: 0 still means that none is left. Within a
+/// step the search walks freely over hills that conflicts counted one by one make too steep.
+OXExpression* inSteps(OXModel& model, OXExpression* conflicts, long long grain) {
+  OXExpression* raised = model.createExpression(OXOperator::Sum, conflicts);
+  raised->addOperand(grain - 1);
+  return model.createExpression(OXOperator::Div, raised, model.createConstant(grain));
+}
+
+void setSearch(OXParam& param) {
+  // A search that goes back further ends with fewer conflicts. Each move takes a vertex that is in
+  // conflict: others only carry the walk to the upper end of a step. Swaps change nothing here, and
+  // planning ahead costs more moves than it finds.
+  param.setAnnealingLevel(9);
+  param.setAdvancedParam("targetingLevel", 10);
+  param.setAdvancedParam("moveSwapEnabled", 0);
+  param.setAdvancedParam("advancedMovesEnabled", 0);
+}
+
+/// The best colouring found with so many colours, from one that may have more: the vertices of the
+/// colours that are gone start with any. Conflicts are counted and not forbidden, so the search may
+/// pass through them; it ends when none is left or when the time is over.
+Colouring colourWith(const Graph& graph, std::size_t nbAllowed, long long grain,
+                     const Colouring& start, int seconds) {
   Ombrix solver;
   OXModel& model = *solver.getModel();
   const examples::Table hasColour = examples::createTable(model, start.size(), nbAllowed);
   OXExpression* conflicts = createConflicts(model, graph, hasColour);
-  model.addObjective(conflicts, OXObjectiveDirection::Minimize);
+  model.addObjective(inSteps(model, conflicts, grain), OXObjectiveDirection::Minimize);
   model.close();
-  // A search that goes back further ends with fewer conflicts. Swaps that aim at nothing change
-  // nothing here, and planning ahead costs more moves than it finds.
-  OXParam& param = *solver.getParam();
-  param.setAnnealingLevel(9);
-  param.setAdvancedParam("moveSwapEnabled", 0);
-  param.setAdvancedParam("advancedMovesEnabled", 0);
+  setSearch(*solver.getParam());
   for (std::size_t v = 0; v < start.size(); ++v) {
     hasColour[v][start[v] < nbAllowed ? start[v] : v % nbAllowed]->setValue(1);
   }
   examples::solveFor(solver, seconds);
-  if (conflicts->getIntValue() > 0) return {};
   const std::vector<long long> colours = examples::chosenColumns(hasColour);
   return Colouring(colours.begin(), colours.end());
 }
 
-void run(const examples::Arguments& arguments) {
+bool hasConflict(const Graph& graph, const Colouring& colouring) {
+  for (std::size_t u = 0; u < colouring.size(); ++u) {
+    for (const std::size_t v : graph.neighbours[u]) {
+      if (colouring[u] == colouring[v]) return true;
+    }
+  }
+  return false;
+}
+
+/// What is left of the time given on the command line.
+class Countdown {
+public:
+  explicit Countdown(int seconds) : end(Clock::now() + std::chrono::seconds(seconds)) {}
+
+  int secondsLeft() const {
+    const auto left = std::chrono::ceil<std::chrono::seconds>(end - Clock::now());
+    return std::max(static_cast<int>(left.count()), 0);
+  }
+
+private:
   using Clock = std::chrono::steady_clock;
+  Clock::time_point end;
+};
+
+/// Looks for a colouring with so many colours until it has one or the time is over; what it returns
+/// in the second case has conflicts. Which grain is best depends on the graph, so they take turns,
+/// and the turns get longer.
+Colouring lookFor(const Graph& graph, std::size_t nbColoursWanted, const Colouring& start,
+                  const Countdown& countdown) {
+  Colouring colouring = start;
+  for (int turn = 4; countdown.secondsLeft() > 0; turn *= 2) {
+    for (const long long grain : {4, 3, 2}) {
+      const int seconds = std::min(turn, countdown.secondsLeft());
+      if (seconds == 0) break;
+      std::cout << "looking for " << nbColoursWanted << " colours, conflicts in steps of " << grain
+                << std::endl;
+      colouring = colourWith(graph, nbColoursWanted, grain, colouring, seconds);
+      if (!hasConflict(graph, colouring)) return colouring;
+    }
+  }
+  return colouring;
+}
+
+void run(const examples::Arguments& arguments) {
   const Graph graph(arguments.instance);
-  const auto end = Clock::now() + std::chrono::seconds(arguments.seconds);
-  const auto secondsLeft = [&] {
-    return static_cast<int>(std::chrono::ceil<std::chrono::seconds>(end - Clock::now()).count());
-  };
+  const Countdown countdown(arguments.seconds);
   const auto goal = static_cast<std::size_t>(std::max(arguments.bestKnown.value_or(1), 1.0));
   Colouring best = colourGreedily(graph);
-  while (nbColours(best) > goal && secondsLeft() > 0) {
-    std::cout << "looking for " << nbColours(best) - 1 << " colours" << std::endl;
-    const Colouring better = colourWith(graph, nbColours(best) - 1, best, secondsLeft());
-    if (better.empty()) break;
+  while (nbColours(best) > goal && countdown.secondsLeft() > 0) {
+    const Colouring better = lookFor(graph, nbColours(best) - 1, best, countdown);
+    if (hasConflict(graph, better)) break;
     best = better;
   }
   examples::reportAnswer(arguments, static_cast<double>(nbColours(best)),

@@ -8,6 +8,7 @@ import java.util.Set;
 import java.util.TreeSet;
 import java.util.concurrent.TimeUnit;
 import java.util.stream.Collectors;
+import java.util.stream.IntStream;
 import ombrix.OXExpression;
 import ombrix.OXModel;
 import ombrix.OXObjectiveDirection;
@@ -17,8 +18,8 @@ import ombrix.Ombrix;
 
 /**
  * Graph colouring: give every vertex a colour, different ones to adjacent vertices, with as few colours as
- * possible. A greedy colouring comes first; then a model for one colour less is solved, again and again,
- * until the time is over.
+ * possible. A greedy colouring comes first; then models for one colour less are solved, again and again,
+ * until the time is over or the best known number is reached.
  *
  * <p>File: "c" comments, "p edge VERTICES EDGES" (or "p col"), "e U V" for each edge, vertices from 1.
  */
@@ -104,46 +105,95 @@ public final class GraphColouring {
   }
 
   /**
-   * Looks for a colouring with so many colours, from one that has more: the vertices of the colours that are
-   * gone start with any. Conflicts are counted and not forbidden, so the search may pass through them; it
-   * ends when none is left or when the time is over. Null if it found none.
+   * A number of conflicts in steps of a grain, rounded up: 0 still means that none is left. Within a step the
+   * search walks freely over hills that conflicts counted one by one make too steep.
    */
-  private int[] colourWith(int nbAllowed, int[] start, int seconds) {
+  private static OXExpression inSteps(OXModel model, OXExpression conflicts, long grain) {
+    OXExpression raised = model.createExpression(OXOperator.Sum, conflicts);
+    raised.addOperand(grain - 1);
+    return model.createExpression(OXOperator.Div, raised, model.createConstant(grain));
+  }
+
+  private static void setSearch(OXParam param) {
+    // A search that goes back further ends with fewer conflicts. Each move takes a vertex that is in
+    // conflict: others only carry the walk to the upper end of a step. Swaps change nothing here, and
+    // planning ahead costs more moves than it finds.
+    param.setAnnealingLevel(9);
+    param.setAdvancedParam("targetingLevel", 10);
+    param.setAdvancedParam("moveSwapEnabled", 0);
+    param.setAdvancedParam("advancedMovesEnabled", 0);
+  }
+
+  /**
+   * The best colouring found with so many colours, from one that may have more: the vertices of the colours
+   * that are gone start with any. Conflicts are counted and not forbidden, so the search may pass through
+   * them; it ends when none is left or when the time is over.
+   */
+  private int[] colourWith(int nbAllowed, long grain, int[] start, int seconds) {
     try (Ombrix solver = new Ombrix()) {
       OXModel model = solver.getModel();
       OXExpression[][] hasColour = ExampleProgram.createTable(model, start.length, nbAllowed);
       OXExpression conflicts = createConflicts(model, hasColour);
-      model.addObjective(conflicts, OXObjectiveDirection.Minimize);
+      model.addObjective(inSteps(model, conflicts, grain), OXObjectiveDirection.Minimize);
       model.close();
-      // A search that goes back further ends with fewer conflicts. Swaps that aim at nothing change
-      // nothing here, and planning ahead costs more moves than it finds.
-      OXParam param = solver.getParam();
-      param.setAnnealingLevel(9);
-      param.setAdvancedParam("moveSwapEnabled", 0);
-      param.setAdvancedParam("advancedMovesEnabled", 0);
+      setSearch(solver.getParam());
       for (int v = 0; v < start.length; v++) {
         hasColour[v][start[v] < nbAllowed ? start[v] : v % nbAllowed].setValue(1L);
       }
       ExampleProgram.solveFor(solver, seconds);
-      if (conflicts.getIntValue() > 0) {
-        return null;
-      }
       return ExampleProgram.chosenColumns(hasColour).stream().mapToInt(c -> c).toArray();
     }
   }
 
+  private boolean hasConflict(int[] colouring) {
+    return IntStream.range(0, colouring.length)
+        .anyMatch(u -> neighbours.get(u).stream().anyMatch(v -> colouring[u] == colouring[v]));
+  }
+
+  /** What is left of the time given on the command line. */
+  private static final class Countdown {
+    private final long end;
+
+    Countdown(int seconds) {
+      end = System.nanoTime() + TimeUnit.SECONDS.toNanos(seconds);
+    }
+
+    int secondsLeft() {
+      return (int) Math.max(Math.ceil((end - System.nanoTime()) / 1e9), 0);
+    }
+  }
+
+  /**
+   * Looks for a colouring with so many colours until it has one or the time is over; what it returns in the
+   * second case has conflicts. Which grain is best depends on the graph, so they take turns, and the turns get
+   * longer.
+   */
+  private int[] lookFor(int nbColoursWanted, int[] start, Countdown countdown) {
+    int[] colouring = start;
+    for (int turn = 4; countdown.secondsLeft() > 0; turn *= 2) {
+      for (long grain = 4; grain >= 2; --grain) {
+        int seconds = Math.min(turn, countdown.secondsLeft());
+        if (seconds == 0) {
+          break;
+        }
+        System.out.println("looking for " + nbColoursWanted + " colours, conflicts in steps of " + grain);
+        colouring = colourWith(nbColoursWanted, grain, colouring, seconds);
+        if (!hasConflict(colouring)) {
+          return colouring;
+        }
+      }
+    }
+    return colouring;
+  }
+
   private static void run(ExampleProgram program) throws IOException {
     GraphColouring graph = new GraphColouring(program.instance);
-    long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(program.seconds);
+    Countdown countdown = new Countdown(program.seconds);
     int goal = program.bestKnown == null ? 1 : (int) Math.max(program.bestKnown, 1);
     int[] best = graph.colourGreedily();
-    for (long left = end - System.nanoTime(); left > 0 && nbColours(best) > goal;
-        left = end - System.nanoTime()) {
-      int nbAllowed = nbColours(best) - 1;
-      System.out.println("looking for " + nbAllowed + " colours");
-      int seconds = (int) Math.ceil(left / 1e9);
-      int[] better = graph.colourWith(nbAllowed, best, seconds);
-      if (better == null) {
+    while (nbColours(best) > goal && countdown.secondsLeft() > 0) {
+      int[] better = graph.lookFor(nbColours(best) - 1, best, countdown);
+      if (graph.hasConflict(better)) {
         break;
       }
       best = better;
