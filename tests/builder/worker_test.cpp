@@ -7,7 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "builder/parallelizer.h"
 #include "builder/solverrecord.h"
+#include "solver/kernel/cacheline.h"
+#include "solver/kernel/dagfixedfields.h"
 #include "support/solvermodels.h"
 
 namespace ombrix {
@@ -176,8 +179,14 @@ TEST_F(WorkerTest, AMoveIsLeftOutWithItsParameterAt0) {
   }
 }
 
+// What a worker writes at every move shares no cache line with what others read or write.
 TEST_F(WorkerTest, EveryRandomStateHasItsOwnCacheLine) {
-  EXPECT_EQ(alignof(Worker), 64u);
+  EXPECT_EQ(alignof(Worker), kCacheLineSize);
+}
+
+TEST_F(WorkerTest, WhatAllWorkersReadHasItsOwnCacheLines) {
+  EXPECT_EQ(alignof(Parallelizer), kCacheLineSize);
+  EXPECT_EQ(alignof(DagFixedFields), kCacheLineSize);
 }
 
 }  // namespace

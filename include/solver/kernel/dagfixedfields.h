@@ -48,7 +48,8 @@ enum Direction : std::uint32_t { kMinimise = 0, kMaximise = 1 };
 /// order in which a change may travel. The builder fills it node by node and calls finish once;
 /// from then on any number of workers read it without a lock. Every array is indexed by node
 /// number, or flat with an array of offsets beside it; there are no pointers between nodes. Aligned
-/// to cache lines, so that nothing that a worker writes stands beside what all of them read.
+/// to cache lines: the places and sizes of the arrays, which all workers read at every move, stand
+/// beside nothing that a worker writes.
 class alignas(kCacheLineSize) DagFixedFields {
 public:
   // The graph as told by the builder.

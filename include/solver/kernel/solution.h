@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "solver/kernel/cacheline.h"
 #include "solver/kernel/dag.h"

@@ -42,9 +42,9 @@ public:
   std::uint32_t nbIncreasers() const override { return getValue() == 0 ? 1 : 0; }
   std::uint32_t nbDecreasers() const override { return getValue() == 1 ? 1 : 0; }
   bool pickOperand(std::uint32_t&, bool, std::uint32_t&, bool&) const override { return false; }
-  void collectIncreasers(bool up, std::span<const std::uint32_t> filter,
-                         std::vector<std::uint32_t>& out, std::size_t limit) const override;
-  void collectDecreasers(std::span<const std::uint32_t> filter, std::vector<std::uint32_t>& out,
+  void collectIncreasers(bool up, std::span<const std::uint32_t> filter, DecisionList& out,
+                         std::size_t limit) const override;
+  void collectDecreasers(std::span<const std::uint32_t> filter, DecisionList& out,
                          std::size_t limit) const override;
   void check() const override {}
 };

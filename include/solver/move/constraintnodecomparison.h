@@ -38,9 +38,9 @@ public:
   std::uint32_t nbDecreasers() const override;
   bool pickOperand(std::uint32_t& rng, bool up, std::uint32_t& operand,
                    bool& operandUp) const override;
-  void collectIncreasers(bool up, std::span<const std::uint32_t> filter,
-                         std::vector<std::uint32_t>& out, std::size_t limit) const override;
-  void collectDecreasers(std::span<const std::uint32_t> filter, std::vector<std::uint32_t>& out,
+  void collectIncreasers(bool up, std::span<const std::uint32_t> filter, DecisionList& out,
+                         std::size_t limit) const override;
+  void collectDecreasers(std::span<const std::uint32_t> filter, DecisionList& out,
                          std::size_t limit) const override;
   void check() const override;
 

@@ -67,8 +67,8 @@ public:
                         operand);
   }
 
-  void collectIncreasers(bool up, std::span<const std::uint32_t> filter,
-                         std::vector<std::uint32_t>& out, std::size_t limit) const override {
+  void collectIncreasers(bool up, std::span<const std::uint32_t> filter, DecisionList& out,
+                         std::size_t limit) const override {
     const std::uint32_t n = nbOperands();
     if (up == Kind::kNeutral) {
       for (std::uint32_t i = helpers.first(n); i < n && out.size() < limit;
@@ -81,7 +81,7 @@ public:
       }
     }
   }
-  void collectDecreasers(std::span<const std::uint32_t> filter, std::vector<std::uint32_t>& out,
+  void collectDecreasers(std::span<const std::uint32_t> filter, DecisionList& out,
                          std::size_t limit) const override {
     collectFromAllOperands(filter, out, limit);
   }

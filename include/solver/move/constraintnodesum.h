@@ -68,15 +68,15 @@ public:
     return pickPosition(position, operand);
   }
 
-  void collectIncreasers(bool up, std::span<const std::uint32_t> filter,
-                         std::vector<std::uint32_t>& out, std::size_t limit) const override {
+  void collectIncreasers(bool up, std::span<const std::uint32_t> filter, DecisionList& out,
+                         std::size_t limit) const override {
     const S& helpers = up ? increasers : decreasers;
     const std::uint32_t n = nbOperands();
     for (std::uint32_t i = helpers.first(n); i < n && out.size() < limit; i = helpers.next(i, n)) {
       collectFromOperand(i, operandDirection(i, up), filter, out, limit);
     }
   }
-  void collectDecreasers(std::span<const std::uint32_t> filter, std::vector<std::uint32_t>& out,
+  void collectDecreasers(std::span<const std::uint32_t> filter, DecisionList& out,
                          std::size_t limit) const override {
     collectFromAllOperands(filter, out, limit);
   }

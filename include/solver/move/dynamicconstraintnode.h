@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
+#include "solver/kernel/cacheline.h"
 #include "solver/move/staticconstraintnode.h"
 
 namespace ombrix {
@@ -15,6 +15,9 @@ inline constexpr std::size_t kNamespaceLength = 8;
 
 class AutonomousStructure;
 class DagFixedFields;
+
+/// Decisions gathered while a move plans.
+using DecisionList = CacheLineVector<std::uint32_t>;
 
 /// One worker's mirror of a static constraint node. While a move plans, it flips decisions in the
 /// mirror only: every node keeps its value and its sets of helpful operands up to date by telling
@@ -59,11 +62,11 @@ public:
 
   /// Appends decisions of the sorted filter, told by index, that take the node in a direction,
   /// until out holds limit entries.
-  virtual void collectIncreasers(bool up, std::span<const std::uint32_t> filter,
-                                 std::vector<std::uint32_t>& out, std::size_t limit) const = 0;
+  virtual void collectIncreasers(bool up, std::span<const std::uint32_t> filter, DecisionList& out,
+                                 std::size_t limit) const = 0;
   /// The same whatever the direction: all decisions of the filter below the node.
-  virtual void collectDecreasers(std::span<const std::uint32_t> filter,
-                                 std::vector<std::uint32_t>& out, std::size_t limit) const = 0;
+  virtual void collectDecreasers(std::span<const std::uint32_t> filter, DecisionList& out,
+                                 std::size_t limit) const = 0;
 
   /// Code 6 if the state is not what a computation from the operands gives; a diagnostic.
   virtual void check() const = 0;
@@ -90,9 +93,9 @@ protected:
   bool pickPosition(std::uint32_t position, std::uint32_t& operand) const;
 
   void collectFromOperand(std::uint32_t position, bool up, std::span<const std::uint32_t> filter,
-                          std::vector<std::uint32_t>& out, std::size_t limit) const;
-  void collectFromAllOperands(std::span<const std::uint32_t> filter,
-                              std::vector<std::uint32_t>& out, std::size_t limit) const;
+                          DecisionList& out, std::size_t limit) const;
+  void collectFromAllOperands(std::span<const std::uint32_t> filter, DecisionList& out,
+                              std::size_t limit) const;
 
   /// Nothing if the value stayed. Keeps the set of violated constraints.
   template <typename Number>

@@ -2,7 +2,6 @@
 #define OMBRIX_SOLVER_MOVE_MOVEFILTERSTRATEGY_H
 
 #include <cstdint>
-#include <vector>
 
 #include "solver/kernel/cacheline.h"
 #include "solver/kernel/heuristicstrategy.h"

@@ -54,8 +54,8 @@ protected:
   std::uint32_t maxPending;
   AutonomousStructure* structure;
   std::uint32_t origin = kNone;  ///< static index of the node that the first changes were told to
-  std::vector<std::uint32_t> filter;
-  std::vector<std::uint32_t> shared;
+  DecisionList filter;
+  DecisionList shared;
 
 private:
   bool plan();

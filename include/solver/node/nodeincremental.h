@@ -10,8 +10,9 @@
 namespace ombrix {
 
 /// What all nodes over a subset type share: the set of operand positions that changed in the open
-/// move. Operands fill it, eval reads it, and it is empty while no move is open. Base is NodeInner
-/// or NodeDoubleInner. A node that also walks the operands that did not change passes S as M.
+/// move. Operands fill it, eval reads it, and it is empty while no move is open. Base is NodeInner,
+/// NodeDoubleInner or a class over one of them. A node that also walks the operands that did not
+/// change passes S as M.
 template <typename Base, typename S, typename M = ModifiedSet<S>>
 class NodeIncremental : public Base {
 public:

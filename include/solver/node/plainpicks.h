@@ -5,7 +5,8 @@
 
 namespace ombrix {
 
-/// The picks that do not hang on the wanted direction. Base is the class of the node.
+/// The picks that do not hang on the wanted direction. Base is what the node derives from
+/// otherwise.
 
 /// None: no pick finds a decision here.
 template <typename Base>

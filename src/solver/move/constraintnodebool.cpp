@@ -51,14 +51,12 @@ bool DynamicConstraintNodeBool::decrease(std::uint32_t& rng, bool strict) {
 }
 
 void DynamicConstraintNodeBool::collectIncreasers(bool up, std::span<const std::uint32_t> filter,
-                                                  std::vector<std::uint32_t>& out,
-                                                  std::size_t limit) const {
+                                                  DecisionList& out, std::size_t limit) const {
   if ((getValue() == 0) == up) collectDecreasers(filter, out, limit);
 }
 
 void DynamicConstraintNodeBool::collectDecreasers(std::span<const std::uint32_t> filter,
-                                                  std::vector<std::uint32_t>& out,
-                                                  std::size_t limit) const {
+                                                  DecisionList& out, std::size_t limit) const {
   if (out.size() >= limit) return;
   if (std::binary_search(filter.begin(), filter.end(), decision())) out.push_back(decision());
 }

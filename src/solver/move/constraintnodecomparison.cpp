@@ -153,7 +153,7 @@ bool DynamicConstraintNodeComparison<Kind>::pickOperand(std::uint32_t& rng, bool
 template <typename Kind>
 void DynamicConstraintNodeComparison<Kind>::collectIncreasers(bool up,
                                                               std::span<const std::uint32_t> filter,
-                                                              std::vector<std::uint32_t>& out,
+                                                              DecisionList& out,
                                                               std::size_t limit) const {
   if (holds() == up) return;
   if (canBeLeftOnBothSides()) {
@@ -167,7 +167,7 @@ void DynamicConstraintNodeComparison<Kind>::collectIncreasers(bool up,
 
 template <typename Kind>
 void DynamicConstraintNodeComparison<Kind>::collectDecreasers(std::span<const std::uint32_t> filter,
-                                                              std::vector<std::uint32_t>& out,
+                                                              DecisionList& out,
                                                               std::size_t limit) const {
   collectFromAllOperands(filter, out, limit);
 }

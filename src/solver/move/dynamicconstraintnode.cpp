@@ -85,15 +85,13 @@ bool DynamicConstraintNode::pickPosition(std::uint32_t position, std::uint32_t& 
 
 void DynamicConstraintNode::collectFromOperand(std::uint32_t position, bool up,
                                                std::span<const std::uint32_t> filter,
-                                               std::vector<std::uint32_t>& out,
-                                               std::size_t limit) const {
+                                               DecisionList& out, std::size_t limit) const {
   const DynamicConstraintNode* operand = operandNode(position);
   if (operand != nullptr) operand->collectIncreasers(up, filter, out, limit);
 }
 
 void DynamicConstraintNode::collectFromAllOperands(std::span<const std::uint32_t> filter,
-                                                   std::vector<std::uint32_t>& out,
-                                                   std::size_t limit) const {
+                                                   DecisionList& out, std::size_t limit) const {
   for (std::uint32_t i = 0, n = nbOperands(); i < n && out.size() < limit; ++i) {
     const DynamicConstraintNode* operand = operandNode(i);
     if (operand != nullptr) operand->collectDecreasers(filter, out, limit);

@@ -28,10 +28,9 @@ protected:
   std::uint32_t comparison(NodeType type, std::uint32_t left, std::uint32_t right) {
     return graph.builder.constraint(graph.builder.node(type, {left, right}));
   }
-  std::vector<std::uint32_t> collected(std::uint32_t node, bool up,
-                                       const std::vector<std::uint32_t>& filter,
-                                       std::size_t limit = 100) {
-    std::vector<std::uint32_t> out;
+  DecisionList collected(std::uint32_t node, bool up, const std::vector<std::uint32_t>& filter,
+                         std::size_t limit = 100) {
+    DecisionList out;
     graph.mirror(node).collectIncreasers(up, filter, out, limit);
     return out;
   }
@@ -92,7 +91,7 @@ TEST_F(ConstraintNodes, ADecisionIsCollectedInItsDirectionIfTheFilterHasIt) {
   EXPECT_THAT(collected(x[1], true, {0}), IsEmpty());
   EXPECT_THAT(collected(x[1], false, {0, 1}), IsEmpty());
   EXPECT_THAT(collected(x[1], true, {0, 1}, 0), IsEmpty());
-  std::vector<std::uint32_t> out;
+  DecisionList out;
   const std::vector<std::uint32_t> filter = {0, 1};
   graph.mirror(x[1]).collectDecreasers(filter, out, 5);
   EXPECT_THAT(out, ElementsAre(1u));
