@@ -327,6 +327,30 @@ TEST_F(NodeCreation, AnIntegerQuotientStaysANode) {
               ElementsAre("boolean", "constant [2]", "boolean", "divide (2 1)", "sum (3 0)"));
 }
 
+TEST_F(NodeCreation, ADoubleQuotientOfIntegersIsNeverAnIntegerOne) {
+  m.set("preprocessingEnabled", 1);
+  auto x = m.booleans(2);
+  // The passes find that the dividend is x[0] itself, an integer.
+  OXExpression* dividend = m.make(OXOperator::Sum, x[0], 0.0);
+  EXPECT_THAT(
+      graphOf(m.make(OXOperator::Div, dividend, m.make(OXOperator::Sum, x[1], 1))),
+      ElementsAre("boolean", "constant [1]", "sum (0 1)", "boolean", "double_divide (3 2)"));
+}
+
+TEST_F(NodeCreation, AQuotientThatStaysADoubleKeepsItsDoubleForm) {
+  auto x = m.booleans(2);
+  // Its type was settled at the first closing, when the divisor was a double.
+  OXExpression* divisor = m.make(OXOperator::Sum, 0.5);
+  OXExpression* e = m.make(OXOperator::Div, x[0], divisor);
+  m.minimize(e);
+  m.close();
+  m.model().open();
+  ModelRecord::setValueType(*divisor, kNoType);
+  divisor->setOperand(0, x[1]);
+  EXPECT_THAT(graphText(m.close()),
+              ElementsAre("boolean", "sum (0)", "boolean", "double_divide (2 1)"));
+}
+
 // Extreme values.
 
 TEST_F(NodeCreation, ExtremeValuesArePlainWithoutCoefficients) {

@@ -450,6 +450,22 @@ TEST_F(HeuristicTest, MaximisedDoubleBoundsAreMirrored) {
 
 // ---- the worker as it is used
 
+TEST(HeuristicAutoAnnealing, ConsultsItsSixStrategiesInTheirOrder) {
+  test::GraphBuilder builder;
+  const auto dag = builder.makeDag();
+  std::uint32_t rng = 7;
+  const HeuristicAutoAnnealing heuristic(*dag, &rng);
+  const auto& chain = heuristic.strategies;
+  ASSERT_EQ(chain.size(), 6u);
+  // The filter settles nothing; a restart takes what the objective alone would leave to annealing.
+  EXPECT_NE(dynamic_cast<const MoveFilterStrategy*>(chain[0]), nullptr);
+  EXPECT_NE(dynamic_cast<const FeasibilityStrategy*>(chain[1]), nullptr);
+  EXPECT_NE(dynamic_cast<const PreviousObjectivesStrategy*>(chain[2]), nullptr);
+  EXPECT_NE(dynamic_cast<const RestartStrategy*>(chain[3]), nullptr);
+  EXPECT_NE(dynamic_cast<const CurrentObjectiveStrategy*>(chain[4]), nullptr);
+  EXPECT_NE(dynamic_cast<const AnnealingStrategy*>(chain[5]), nullptr);
+}
+
 TEST(HeuristicAutoAnnealing, SolvesASmallModelToItsProvedOptimum) {
   test::GraphBuilder builder;
   const auto x = builder.booleans(6);

@@ -1,5 +1,8 @@
 #include "solver/move/movekbalance.h"
 
+#include <utility>
+
+#include "tests/solver/move/reachedneighbours.h"
 #include "tests/support/scriptedmove.h"
 #include "tests/support/searchgraph.h"
 
@@ -76,6 +79,54 @@ TEST_F(MoveKBalanceTest, OneBalancedNodeIsEnough) {
   graph.raise(x[2]);
   ASSERT_TRUE(make(2).apply());
   EXPECT_EQ(graph.changed(), (Decisions{x[2], x[3]}));
+}
+
+/// Two balances below every two of the given sums, one after the other: the second sum is left as
+/// it is when it draws a decision that the first one has changed.
+test::Neighbours twoBalances(const std::vector<std::vector<std::uint32_t>>& sums,
+                             const Decisions& raised) {
+  using Pair = std::pair<std::uint32_t, std::uint32_t>;
+  const auto pairsBelow = [&](const std::vector<std::uint32_t>& operands) {
+    std::vector<Pair> pairs;
+    for (const auto down : operands) {
+      for (const auto up : operands) {
+        if (raised.contains(down) && !raised.contains(up)) pairs.emplace_back(down, up);
+      }
+    }
+    return pairs;
+  };
+  test::Neighbours result;
+  for (const auto& first : sums) {
+    for (const auto& second : sums) {
+      if (first == second) continue;
+      const auto firstPairs = pairsBelow(first);
+      const auto secondPairs = pairsBelow(second);
+      if (secondPairs.empty()) {
+        for (const auto& [down, up] : firstPairs) result.insert({down, up});
+      }
+      for (const auto& [down, up] : firstPairs) {
+        for (const auto& [secondDown, secondUp] : secondPairs) {
+          const bool isMet = secondDown == down || secondUp == up;
+          result.insert(isMet ? Decisions{down, up} : Decisions{down, up, secondDown, secondUp});
+        }
+      }
+    }
+  }
+  return result;
+}
+
+TEST_F(MoveKBalanceTest, TwoBalancesReachEveryTwoPairsBelowTwoNodes) {
+  const auto x = graph.builder.booleans(9);
+  const std::vector<std::vector<std::uint32_t>> sums = {
+      {x[0], x[1], x[2], x[3]}, {x[2], x[3], x[4], x[5]}, {x[1], x[4], x[6]}, {x[7], x[8]}};
+  for (const auto& operands : sums) {
+    graph.builder.minimise(graph.builder.node(NodeType::BooleanSum, operands));
+  }
+  graph.start();
+  const Decisions raised = {x[0], x[2], x[5], x[6]};
+  for (const auto decision : raised) graph.raise(decision);
+  auto move = make(2);
+  EXPECT_EQ(test::reachedBy(move, graph), twoBalances(sums, raised));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "solver/move/movekflip.h"
 
 #include "common/failure.h"
+#include "tests/solver/move/reachedneighbours.h"
 #include "tests/support/failures.h"
 #include "tests/support/scriptedmove.h"
 #include "tests/support/searchgraph.h"
@@ -75,6 +76,42 @@ TEST_F(MoveKFlipTest, ATargetInFreeListsOnlyIsTaken) {
     EXPECT_EQ(graph.changed(), Decisions{free[1]});
     graph.reject();
   }
+}
+
+/// Two decisions bound by an equality, two of a free list, and two of no list.
+class MoveKFlipNeighboursTest : public MoveKFlipTest {
+protected:
+  void buildWithMoreFree() {
+    build();
+    graph.builder.node(NodeType::BooleanSum, free);
+    const auto unlisted = graph.builder.booleans(2);
+    free.insert(free.end(), unlisted.begin(), unlisted.end());
+  }
+};
+
+TEST_F(MoveKFlipNeighboursTest, TwoFlipsReachEveryPairOfFreeDecisions) {
+  buildWithMoreFree();
+  graph.start();
+  auto move = make(2, 0);
+  EXPECT_EQ(test::reachedBy(move, graph), test::pairsOf(free));
+}
+
+TEST_F(MoveKFlipNeighboursTest, TwoFlipsWithATargetReachItWithEveryFreeDecisionAndAlone) {
+  buildWithMoreFree();
+  graph.builder.maximise(free[1]);
+  graph.start();
+  graph.raise(bound[0]);
+  auto move = make(2, 100);
+  test::Neighbours expected;
+  for (const auto other : free) expected.insert({free[1], other});
+  EXPECT_EQ(test::reachedBy(move, graph), expected);
+}
+
+TEST_F(MoveKFlipNeighboursTest, TwoFlipsWhoseTargetIsBoundReachEveryPairOfFreeDecisions) {
+  buildWithMoreFree();
+  graph.start();
+  auto move = make(2, 100);
+  EXPECT_EQ(test::reachedBy(move, graph), test::pairsOf(free));
 }
 
 TEST_F(MoveKFlipTest, TheTargetingRateIsAtMostAHundred) {

@@ -1,6 +1,9 @@
 #include "solver/move/movekswap.h"
 
+#include <algorithm>
+
 #include "common/failure.h"
+#include "tests/solver/move/reachedneighbours.h"
 #include "tests/support/failures.h"
 #include "tests/support/scriptedmove.h"
 #include "tests/support/searchgraph.h"
@@ -172,6 +175,111 @@ TEST_F(MoveKSwapTest, NeedsTwoCandidatesForEachPair) {
   graph.reject();
   EXPECT_FALSE(make(5, 0).apply());
   EXPECT_FALSE(make(2147483648u, 0).apply()) << "twice k does not wrap";
+}
+
+// ---- all that a swap can reach
+
+/// Two exactly-one rows, a decision in both of them, free lists across them and beside them, and a
+/// decision without a list.
+class MoveKSwapNeighboursTest : public testing::Test {
+protected:
+  MoveKSwapNeighboursTest() {
+    auto& builder = graph.builder;
+    builder.boolean();  // node 0, which is no target like the others
+    x = builder.booleans(13);
+    addList({x[0], x[1], x[2], x[12]}, true);
+    addList({x[3], x[4], x[5], x[6], x[12]}, true);
+    addList({x[0], x[3], x[7]}, false);
+    addList({x[7], x[8], x[9]}, false);
+    addList({x[9], x[10]}, false);
+  }
+  void addList(const std::vector<std::uint32_t>& operands, bool isConstrained) {
+    auto& builder = graph.builder;
+    lists.push_back({operands, isConstrained});
+    const auto list = builder.node(NodeType::BooleanSum, operands);
+    if (!isConstrained) return;
+    builder.constraint(builder.node(NodeType::Eq, {list, builder.constant(1)}));
+  }
+  void start() {
+    graph.start(3);
+    for (const auto decision : {x[0], x[4], x[8]}) {
+      graph.raise(decision);
+      raised.insert(decision);
+    }
+  }
+  MoveKSwap make(std::uint32_t k, std::uint32_t rate) {
+    return MoveKSwap(*graph.dag, graph.rng, k, 1, rate, *graph.structure);
+  }
+
+  /// A decision with every partner of the other value, in its row if it has one, else in any of its
+  /// lists; alone where such a list has no partner. None for a decision that no swap takes.
+  test::Neighbours swapsOf(std::uint32_t decision) const {
+    std::vector<List> rows;
+    std::vector<List> others;
+    for (const List& list : lists) {
+      if (!std::count(list.operands.begin(), list.operands.end(), decision)) continue;
+      (list.isConstrained ? rows : others).push_back(list);
+    }
+    test::Neighbours result;
+    if (rows.size() > 1) return result;
+    for (const List& list : rows.empty() ? others : rows) {
+      const auto before = result.size();
+      for (const auto partner : list.operands) {
+        if (raised.contains(partner) != raised.contains(decision)) {
+          result.insert({decision, partner});
+        }
+      }
+      if (result.size() == before) result.insert({decision});
+    }
+    return result;
+  }
+  test::Neighbours allSwaps() const {
+    test::Neighbours result;
+    for (const auto decision : x) result.merge(swapsOf(decision));
+    return result;
+  }
+
+  struct List {
+    std::vector<std::uint32_t> operands;
+    bool isConstrained;
+  };
+  test::SearchGraph graph;
+  std::vector<std::uint32_t> x;
+  std::vector<List> lists;
+  Decisions raised;
+};
+
+TEST_F(MoveKSwapNeighboursTest, OneSwapWithoutATargetReachesTheStateItself) {
+  start();
+  auto move = make(1, 0);
+  EXPECT_EQ(test::reachedBy(move, graph), test::Neighbours{Decisions{}});
+}
+
+TEST_F(MoveKSwapNeighboursTest, OneSwapWithATargetReachesItsPairs) {
+  graph.builder.maximise(x[7]);
+  start();
+  auto move = make(1, 100);
+  EXPECT_EQ(test::reachedBy(move, graph), swapsOf(x[7]));
+}
+
+TEST_F(MoveKSwapNeighboursTest, TwoSwapsWithoutATargetReachEveryPair) {
+  start();
+  auto move = make(2, 0);
+  EXPECT_EQ(test::reachedBy(move, graph), allSwaps());
+}
+
+TEST_F(MoveKSwapNeighboursTest, TwoSwapsWithATargetReachItsPairsBesideEveryPair) {
+  graph.builder.maximise(x[1]);
+  start();
+  auto move = make(2, 100);
+  test::Neighbours expected;
+  for (const Decisions& own : swapsOf(x[1])) {
+    for (Decisions both : allSwaps()) {
+      both.insert(own.begin(), own.end());
+      expected.insert(both);
+    }
+  }
+  EXPECT_EQ(test::reachedBy(move, graph), expected);
 }
 
 TEST_F(MoveKSwapTest, TheTargetingRateIsAtMostAHundred) {

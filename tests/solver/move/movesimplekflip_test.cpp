@@ -1,5 +1,6 @@
 #include "solver/move/movesimplekflip.h"
 
+#include "tests/solver/move/reachedneighbours.h"
 #include "tests/support/scriptedmove.h"
 #include "tests/support/searchgraph.h"
 
@@ -69,6 +70,19 @@ TEST_F(MoveSimpleKFlipTest, ATargetTakesThePlaceOfOneDraw) {
     graph.reject();
   }
   EXPECT_TRUE(coincided) << "a target that is drawn too is changed once";
+}
+
+TEST_F(MoveSimpleKFlipTest, TwoFlipsReachEveryPairOfBooleansWhateverTiesThem) {
+  auto& builder = graph.builder;
+  const auto x = builder.booleans(5);
+  builder.integer();
+  builder.floating(0, 1);
+  const auto list = builder.node(NodeType::BooleanSum, {x[0], x[1], x[2]});
+  builder.constraint(builder.node(NodeType::Eq, {list, builder.constant(1)}));
+  graph.start();
+  graph.raise(x[0]);
+  auto move = make(2, 0);
+  EXPECT_EQ(test::reachedBy(move, graph), test::pairsOf(x));
 }
 
 TEST_F(MoveSimpleKFlipTest, TheRateIsAPercentage) {

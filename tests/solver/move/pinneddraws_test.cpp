@@ -2,7 +2,11 @@
 
 #include "solver/kernel/heuristicautoannealing.h"
 #include "solver/kernel/random.h"
+#include "solver/move/movefloatbalance.h"
+#include "solver/move/movefloatsimplekflip.h"
+#include "solver/move/movefloattight.h"
 #include "solver/move/poolfiller.h"
+#include "tests/support/scriptedmove.h"
 #include "tests/support/searchgraph.h"
 
 namespace ombrix {
@@ -18,8 +22,7 @@ private:
   std::uint64_t hash = 14695981039346656037u;
 };
 
-/// An assignment of six items to six places with a budget over them, six free decisions, and the
-/// doubles that some moves need.
+/// An assignment of six items to six places with a budget over them, and six free decisions.
 void buildGraph(test::GraphBuilder& builder, std::vector<std::uint32_t>& assigned) {
   constexpr std::uint32_t n = 6;
   const auto x = builder.booleans(n * n);
@@ -202,6 +205,192 @@ TEST_F(PinnedDrawsTest, AWholeSearchEndsInTheSameStateWithTheSameCounters) {
   EXPECT_EQ(heuristic.bestIteration, 75u);
   EXPECT_EQ(heuristic.bestSolution.objectiveValues[0].intValue, 15);
   test::expectConsistent(*graph.dag);
+}
+
+// ---- the moves of doubles
+
+/// A decision with the value that a move gives it. A move that writes none could not be built.
+struct Write {
+  std::uint32_t decision;
+  double value;
+};
+using Writes = std::vector<Write>;
+
+/// Three booleans and four doubles under three sums and two comparisons that always hold. What a
+/// move must do is worked out from its state alone, draw by draw.
+class PinnedDoubleDrawsTest : public testing::Test {
+protected:
+  struct Term {
+    std::uint32_t decision;
+    double coefficient;
+  };
+
+  PinnedDoubleDrawsTest() {
+    auto& builder = graph.builder;
+    const auto x = builder.booleans(3);
+    const std::vector<std::uint32_t> y = {builder.floating(-2, 3), builder.floating(0, 4),
+                                          builder.floating(5, 9), builder.floating(-1, 1)};
+    decisions = x;
+    decisions.insert(decisions.end(), y.begin(), y.end());
+    lists = {{{x[2], 1}, {y[0], 1}, {y[1], 1}},
+             {{y[1], 2}, {y[2], -3}},
+             {{x[0], 1.5}, {y[0], -1}, {y[2], 0.25}, {y[3], 4}}};
+    const auto sum = builder.doubleNode(NodeType::DoubleSum, {x[2], y[0], y[1]});
+    builder.doubleNode(NodeType::DoubleScalarSum, {y[1], y[2]}, {2, -3});
+    builder.doubleNode(NodeType::DoubleScalarSum, {x[0], y[0], y[2], y[3]}, {1.5, -1, 0.25, 4});
+    const auto capacity = builder.doubleConstant(100);
+    comparisons = {builder.constraint(builder.node(NodeType::DoubleLeq, {sum, capacity})),
+                   builder.constraint(builder.node(NodeType::DoubleGeq, {y[2], y[1]}))};
+    objective = builder.maximise(y[0]);
+    graph.start(2718);
+    for (const auto decision : y) test::setAndAccept(*graph.dag, decision, middleOf(decision));
+  }
+
+  bool isDouble(std::uint32_t node) const {
+    return graph.builder.fields.domains[node] == kDoubleDomain;
+  }
+  double asDouble(std::uint32_t node, OXValue value) const {
+    return isDouble(node) ? value.doubleValue : static_cast<double>(value.intValue);
+  }
+  double value(std::uint32_t node) const { return asDouble(node, graph.dag->values[node]); }
+  double low(std::uint32_t node) const {
+    return asDouble(node, graph.builder.fields.minValues[node]);
+  }
+  double high(std::uint32_t node) const {
+    return asDouble(node, graph.builder.fields.maxValues[node]);
+  }
+  double middleOf(std::uint32_t node) const { return (low(node) + high(node)) / 2; }
+
+  /// A double goes to the nearest value within its bounds, anything else to its other value.
+  Write writeOf(std::uint32_t decision, double wanted) const {
+    if (!isDouble(decision)) return {decision, 1 - value(decision)};
+    return {decision, std::clamp(wanted, low(decision), high(decision))};
+  }
+
+  /// The objective one step further, unless it stands at its bound.
+  bool hasTarget() const { return value(objective) < high(objective); }
+  Write target() const { return writeOf(objective, value(objective) + 1); }
+
+  Writes simpleFlip(test::Draws& draws, std::uint32_t rate) const {
+    if (rate != 0 && draws.percent(rate) && hasTarget()) return {target()};
+    const auto decision = decisions[draws.index(7)];
+    if (!isDouble(decision)) return {writeOf(decision, 0)};
+    const double scaled = static_cast<double>((std::uint64_t{draws.step()} * 2147483647U) >> 32);
+    const double unit = static_cast<float>(scaled / 2147483647.0);
+    return {{decision, low(decision) + unit * (high(decision) - low(decision))}};
+  }
+
+  /// How far a term can move in a direction.
+  double room(const Term& term, double direction) const {
+    const double slope = direction * term.coefficient;
+    const double bound = slope > 0 ? high(term.decision) : low(term.decision);
+    return (bound - value(term.decision)) * slope;
+  }
+
+  Writes balance(test::Draws& draws, std::uint32_t rate) const {
+    const bool isTargeted = rate != 0 && draws.percent(rate) && hasTarget();
+    const auto decision = isTargeted ? objective : decisions[draws.index(7)];
+    const auto isOwn = [&](const Term& term) { return term.decision == decision; };
+    std::vector<std::vector<Term>> own;
+    for (const auto& list : lists) {
+      if (std::any_of(list.begin(), list.end(), isOwn)) own.push_back(list);
+    }
+    if (own.empty()) return {};
+    const auto& list = own[draws.index(static_cast<std::uint32_t>(own.size()))];
+    const auto size = static_cast<std::uint32_t>(list.size());
+    const auto place = std::find_if(list.begin(), list.end(), isOwn) - list.begin();
+    const auto otherPlace = (static_cast<std::uint32_t>(place) + 1 + draws.index(size - 1)) % size;
+    const Term& first = *std::find_if(list.begin(), list.end(), isOwn);
+    const Term& second = list[otherPlace];
+    for (const double direction : {1.0, -1.0}) {
+      const double shift = std::min(room(first, direction), room(second, -direction));
+      if (approxEqual(shift, 0.0)) continue;
+      const auto moved = [&](const Term& term, double way) {
+        return writeOf(term.decision, value(term.decision) + shift / (way * term.coefficient));
+      };
+      return {moved(first, direction), moved(second, -direction)};
+    }
+    return {};
+  }
+
+  /// The side that is no constant, as a draw has it, is itself the number of the node that changes.
+  Writes tight(test::Draws& draws) const {
+    const bool isCapacity = draws.index(2) == 0;
+    const bool isUpperHalf = draws.step() > 2147483647U;
+    const std::uint32_t side = !isCapacity && isUpperHalf ? 1 : 0;
+    if (value(0) == value(1)) return {};
+    return {writeOf(side, 0)};
+  }
+
+  /// Applies the move so many times and compares what it writes and where its state ends; keeps two
+  /// thirds of what it built, unless all is to be dropped.
+  template <typename Rule>
+  void expectDraws(Move& move, bool isKept, const Rule& rule) {
+    std::uint32_t nbBuilt = 0;
+    for (int i = 0; i < 300; ++i) {
+      ASSERT_EQ(graph.dag->propagation.infeasibility.nbViolated, 0);
+      test::Draws draws(graph.rng);
+      const Writes expected = rule(draws);
+      ASSERT_EQ(move.apply(), !expected.empty()) << i;
+      ASSERT_EQ(graph.rng, draws.state) << i;
+      const auto& changed = graph.dag->propagation.changedDecisions;
+      ASSERT_EQ(changed.size(), expected.size()) << i;
+      for (std::uint32_t j = 0; j < changed.size(); ++j) {
+        ASSERT_EQ(changed[j], expected[j].decision) << i;
+        ASSERT_DOUBLE_EQ(asDouble(changed[j], graph.dag->tValues[changed[j]]), expected[j].value)
+            << i;
+      }
+      nbBuilt += expected.empty() ? 0 : 1;
+      const bool isAccepted = isKept && !expected.empty() && i % 3 != 0;
+      move.finish(isAccepted ? MoveStatus::Accepted : MoveStatus::Rejected);
+    }
+    hasBuilt = nbBuilt > 0;
+    test::expectConsistent(*graph.dag);
+  }
+
+  test::SearchGraph graph;
+  std::vector<std::uint32_t> decisions;
+  std::vector<std::vector<Term>> lists;
+  std::vector<std::uint32_t> comparisons;
+  std::uint32_t objective = 0;
+  bool hasBuilt = false;
+};
+
+TEST_F(PinnedDoubleDrawsTest, ASimpleFlipDrawsItsDecisionAndThenItsValue) {
+  MoveFloatSimpleKFlip move(*graph.dag, graph.rng, 0);
+  expectDraws(move, true, [&](test::Draws& draws) { return simpleFlip(draws, 0); });
+  EXPECT_TRUE(hasBuilt);
+}
+
+TEST_F(PinnedDoubleDrawsTest, ASimpleFlipWithATargetDrawsNothingMore) {
+  MoveFloatSimpleKFlip move(*graph.dag, graph.rng, 50);
+  expectDraws(move, true, [&](test::Draws& draws) { return simpleFlip(draws, 50); });
+  EXPECT_TRUE(hasBuilt);
+}
+
+TEST_F(PinnedDoubleDrawsTest, ABalanceDrawsItsDecisionItsListAndItsOtherPosition) {
+  MoveFloatBalance move(*graph.dag, graph.rng, 0, *graph.structure);
+  expectDraws(move, true, [&](test::Draws& draws) { return balance(draws, 0); });
+  EXPECT_TRUE(hasBuilt);
+}
+
+TEST_F(PinnedDoubleDrawsTest, ABalanceWithATargetDrawsNoDecision) {
+  MoveFloatBalance move(*graph.dag, graph.rng, 50, *graph.structure);
+  expectDraws(move, true, [&](test::Draws& draws) { return balance(draws, 50); });
+  EXPECT_TRUE(hasBuilt);
+}
+
+TEST_F(PinnedDoubleDrawsTest, ATightComparisonDrawsTheComparisonAndThenItsSide) {
+  MoveFloatTight move(*graph.dag, graph.rng, comparisons);
+  const auto rule = [&](test::Draws& draws) { return tight(draws); };
+  expectDraws(move, false, rule);
+  EXPECT_FALSE(hasBuilt) << "nodes 0 and 1 are equal";
+  for (const std::uint32_t raised : {0u, 1u}) {
+    test::setAndAccept(*graph.dag, raised, 1);
+    expectDraws(move, false, rule);
+    EXPECT_TRUE(hasBuilt);
+    test::setAndAccept(*graph.dag, raised, 0);
+  }
 }
 
 }  // namespace

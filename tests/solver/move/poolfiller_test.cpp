@@ -5,6 +5,7 @@
 
 #include "common/failure.h"
 #include "solver/kernel/heuristicautoannealing.h"
+#include "solver/move/basicmovefactory.h"
 #include "solver/move/movesequence.h"
 #include "tests/support/failures.h"
 #include "tests/support/searchgraph.h"
@@ -88,6 +89,57 @@ TEST_F(PoolFillerTest, ANeighborhoodBeyondTheTablesAddsNothing) {
   EXPECT_EQ(fill(settings),
             "1-Flip*8 2-Flip*8 3-Flip*2 4-Flip*1 5-Flip*1 6-Flip*1 7-Flip*1 8-Flip*1 "
             "1-SimpleFlip*1");
+}
+
+TEST_F(PoolFillerTest, BeyondTheTablesNoSizeBringsAMove) {
+  buildLists(2, 60);
+  graph.builder.booleans(20);
+  const std::string expected =
+      "2-1-Roll*8 2-Mirror*8 3-1-Roll*8 3-Mirror*8 4-1-Roll*8 4-2-Roll*8 4-Scramble*8 4-Mirror*8 "
+      "5-1-Roll*8 5-2-Roll*8 5-Scramble*8 5-Mirror*8 "
+      "6-1-Roll*8 6-2-Roll*8 6-3-Roll*8 6-Scramble*4 6-Mirror*8 "
+      "7-1-Roll*8 7-2-Roll*8 7-3-Roll*8 7-Scramble*2 7-Mirror*8 "
+      "8-1-Roll*8 8-2-Roll*8 8-3-Roll*8 8-Scramble*1 8-Mirror*8 "
+      "9-1-Roll*8 9-2-Roll*8 9-3-Roll*8 9-Scramble*1 9-Mirror*8 "
+      "10-1-Roll*8 10-2-Roll*8 10-3-Roll*8 10-Scramble*1 10-Mirror*8 "
+      "1-Balance*4 1-Swap*4 1-Flip*8 "
+      "2-Balance*2 2-Swap*2 2-Flip*8 2-Path*6 2-Cycle*2 "
+      "3-Balance*1 3-Swap*1 3-Flip*2 3-Path*6 3-Cycle*4 "
+      "3-2-ForkCycle*2 3-3-ForkCycle*1 3-2-ForkPath*1 3-3-ForkPath*1 "
+      "4-Balance*1 4-Swap*1 4-Flip*1 4-Path*8 4-Cycle*8 5-Flip*1 5-Path*8 5-Cycle*8 "
+      "6-Flip*1 6-Path*4 6-Cycle*4 7-Flip*1 7-Path*2 7-Cycle*2 8-Flip*1 8-Path*1 8-Cycle*1 "
+      "1-SimpleFlip*1";
+  PoolSettings settings;
+  settings.largeMirrorSize = settings.largeRollSize = 0;
+  for (const std::uint32_t size : {10u, 11u, 12u, 13u, 25u, 60u, 4294967295u}) {
+    settings.neighborhoodSize = size;
+    graph.structure.reset();
+    EXPECT_EQ(fill(settings), expected) << size;
+  }
+}
+
+TEST_F(PoolFillerTest, EveryTableOfTheBasicMovesReadsAsZeroBeyondItsEnd) {
+  buildLists(2, 60);
+  graph.builder.booleans(20);
+  graph.start();
+  const BasicMoveFactory factory(*graph.structure, 50);
+  for (const std::uint32_t k : {0u, 9u, 10u, 11u, 12u, 13u, 21u, 22u, 60u, 4294967295u}) {
+    EXPECT_EQ(factory.balance(k), nullptr) << k;
+    EXPECT_EQ(factory.swap(k), nullptr) << k;
+    EXPECT_EQ(factory.flip(k), nullptr) << k;
+    EXPECT_EQ(factory.path(k), nullptr) << k;
+    EXPECT_EQ(factory.cycle(k), nullptr) << k;
+    for (const std::uint32_t nbBranches : {2u, 3u}) {
+      EXPECT_EQ(factory.forkCycle(k, nbBranches), nullptr) << k;
+      EXPECT_EQ(factory.forkPath(k, nbBranches), nullptr) << k;
+    }
+  }
+  const WeightTable full = {7, 7, 7, 7, 7, 7, 7, 7, 7, 7};
+  EXPECT_EQ(weightAt(full, 0), 0u);
+  EXPECT_EQ(weightAt(full, 1), 7u);
+  EXPECT_EQ(weightAt(full, 10), 7u);
+  EXPECT_EQ(weightAt(full, 11), 0u);
+  EXPECT_EQ(weightAt(full, 4294967295u), 0u);
 }
 
 TEST_F(PoolFillerTest, EachKindHasItsSwitch) {
