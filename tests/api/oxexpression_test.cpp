@@ -287,6 +287,16 @@ TEST_F(OXExpressionTest, PrintsItselfInOneLine) {
   EXPECT_EQ(total->toString(), "Expression 1 (type = sum, name = total)");
 }
 
+TEST_F(OXExpressionTest, InfoShowsADoubleInTheDefaultFormatOfAStream) {
+  const auto ending = [&](double value) {
+    const std::string info = model.createConstant(value)->getInfo();
+    return info.substr(info.find("  value"));
+  };
+  EXPECT_EQ(ending(1234567.5), "  value = 1.23457e+06\n");
+  EXPECT_EQ(ending(-1e-7), "  value = -1e-07\n");
+  EXPECT_EQ(ending(3.0), "  value = 3\n");
+}
+
 TEST_F(OXExpressionTest, InfoHasAValueOnlyWhereItIsKnown) {
   OXExpression* x = boolean();
   model.addConstraint(x);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -326,6 +327,22 @@ TEST_F(OXModelTest, OpensAndClosesAnyNumberOfTimes) {
   EXPECT_EQ(solver.getState(), OXState::Modeling);
   model.close();
   EXPECT_TRUE(model.isClosed());
+}
+
+TEST_F(OXModelTest, CloseDoesNotFailForAnErrorNumberLeftBehind) {
+  for (const int isPreprocessed : {1, 0}) {
+    Ombrix other;
+    OXModel& rooted = *other.getModel();
+    other.getParam()->setAdvancedParam("preprocessingEnabled", isPreprocessed);
+    OXExpression* x = rooted.createExpression(OXOperator::Bool);
+    OXExpression* root = rooted.createExpression(OXOperator::Sqrt, rooted.createConstant(4));
+    rooted.addObjective(rooted.createExpression(OXOperator::Sum, x, root),
+                        OXObjectiveDirection::Minimize);
+    errno = EDOM;
+    EXPECT_NO_THROW(rooted.close()) << isPreprocessed;
+    EXPECT_EQ(other.getState(), OXState::Stopped);
+    EXPECT_EQ(root->getDoubleValue(), 2.0);
+  }
 }
 
 TEST_F(OXModelTest, ANameSurvivesOpeningAndClosing) {

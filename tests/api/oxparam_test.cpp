@@ -254,6 +254,19 @@ TEST_F(OXParamTest, PrintsLimitsBoundsAndAdvancedParameters) {
             "  zebra = 1\n");
 }
 
+TEST_F(OXParamTest, PrintsDoubleBoundsInTheDefaultFormatOfAStream) {
+  closeWithObjectives();
+  param.setIntObjectiveBound(0, 1234567);
+  param.setDoubleObjectiveBound(2, 1234567.5);
+  param.setDoubleObjectiveBound(3, 1e-7);
+  const std::string text = param.toString();
+  EXPECT_NE(text.find("  Obj 0: minimize, bound = 1234567\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("  Obj 2: minimize, bound = 1.23457e+06\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("  Obj 3: maximize, bound = 1e-07\n"), std::string::npos) << text;
+  param.setDoubleObjectiveBound(2, 3.0);
+  EXPECT_NE(param.toString().find("  Obj 2: minimize, bound = 3\n"), std::string::npos);
+}
+
 TEST_F(OXParamTest, ALimitThatOverflowsIsNone) {
   closeWithObjectives();
   solver.createPhase()->setTimeLimit(2147483646);

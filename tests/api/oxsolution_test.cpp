@@ -61,6 +61,64 @@ TEST_F(OXSolutionTest, AConstantHasItsValueWhereverItIsMet) {
   EXPECT_EQ(solution.getIntValue(one), 1);
 }
 
+/// Constants that stand by themselves as constraint and objectives, with no expression around them.
+class StandingConstants : public testing::TestWithParam<bool> {
+protected:
+  void SetUp() override {
+    solver.getParam()->setAdvancedParam("preprocessingEnabled", GetParam() ? 1 : 0);
+    model.createExpression(OXOperator::Bool);
+    model.addObjective(seven, OXObjectiveDirection::Maximize);
+    model.addObjective(half, OXObjectiveDirection::Minimize);
+  }
+
+  void closeWithConstraint(long long value) {
+    constraint = model.createConstant(value);
+    model.addConstraint(constraint);
+    model.addObjective(constraint, OXObjectiveDirection::Minimize);
+    model.close();
+    solver.getParam()->setVerbosity(0);
+    solver.createPhase()->setIterationLimit(100);
+  }
+
+  void expectValues(long long constraintValue) {
+    const OXSolution& solution = *solver.getSolution();
+    EXPECT_EQ(solution.getIntValue(constraint), constraintValue);
+    EXPECT_EQ(solution.getValue(constraint), constraintValue);
+    EXPECT_EQ(solution.getIntValue(seven), 7);
+    EXPECT_EQ(solution.getDoubleValue(half), 2.5);
+    EXPECT_EQ(model.getConstraint(0)->getIntValue(), constraintValue);
+    EXPECT_EQ(model.getObjective(0)->getIntValue(), 7);
+    EXPECT_EQ(model.getObjective(1)->getDoubleValue(), 2.5);
+    EXPECT_EQ(model.getObjective(2)->getIntValue(), constraintValue);
+  }
+
+  Ombrix solver;
+  OXModel& model = *solver.getModel();
+  OXExpression* seven = model.createConstant(7);
+  OXExpression* half = model.createConstant(2.5);
+  OXExpression* constraint = nullptr;
+};
+
+TEST_P(StandingConstants, HaveTheirValueBeforeAndAfterASolve) {
+  closeWithConstraint(1);
+  expectValues(1);
+  EXPECT_EQ(solver.getSolution()->getStatus(), OXSolutionStatus::Optimal);
+  solver.solve();
+  expectValues(1);
+  EXPECT_EQ(solver.getSolution()->getStatus(), OXSolutionStatus::Optimal);
+}
+
+TEST_P(StandingConstants, HaveTheirValueWhereTheConstraintCannotHoldToo) {
+  closeWithConstraint(0);
+  expectValues(0);
+  solver.solve();
+  expectValues(0);
+  EXPECT_EQ(solver.getSolution()->getStatus(),
+            GetParam() ? OXSolutionStatus::Inconsistent : OXSolutionStatus::Infeasible);
+}
+
+INSTANTIATE_TEST_SUITE_P(WithAndWithoutPreprocessing, StandingConstants, testing::Bool());
+
 TEST_F(OXSolutionTest, EvaluatesArraysThroughTheirReaders) {
   OXExpression* x = boolean();
   OXExpression* row = model.createExpression(OXOperator::Array, constant(4), constant(6));

@@ -22,10 +22,13 @@
 #include "api/ombrix.h"
 #include "builder/parallelizer.h"
 #include "builder/solverrecord.h"
+#include "builder/worker.h"
 #include "common/failure.h"
+#include "support/environments.h"
 #include "support/failures.h"
 #include "support/solvermodels.h"
 #include "support/statemessages.h"
+#include "support/temporaryfile.h"
 
 namespace ombrix {
 namespace {
@@ -33,10 +36,9 @@ namespace {
 using test::kStarted;
 using test::kStopped;
 
-/// What a call writes to the standard output.
-std::string capture(const std::function<void()>& call) {
-  std::ostringstream text;
-  std::streambuf* const previous = std::cout.rdbuf(text.rdbuf());
+/// Leads the standard output into a buffer for as long as the call runs.
+void redirect(std::streambuf& buffer, const std::function<void()>& call) {
+  std::streambuf* const previous = std::cout.rdbuf(&buffer);
   try {
     call();
   } catch (...) {
@@ -44,8 +46,27 @@ std::string capture(const std::function<void()>& call) {
     throw;
   }
   std::cout.rdbuf(previous);
+}
+
+/// What a call writes to the standard output.
+std::string capture(const std::function<void()>& call) {
+  std::stringbuf text;
+  redirect(text, call);
   return text.str();
 }
+
+/// Notes what was written from each flush to the next.
+class FlushNotingBuffer : public std::stringbuf {
+public:
+  std::vector<std::string> flushed;
+
+protected:
+  int sync() override {
+    flushed.push_back(str());
+    str("");
+    return 0;
+  }
+};
 
 /// The same text with every number of seconds replaced, since a second may end at any moment.
 std::string withoutSeconds(const std::string& text) {
@@ -374,6 +395,31 @@ TEST_F(DisplayTest, IsThisToTheLetter) {
                 "Optimal solution: obj = (0)\n\n");
 }
 
+TEST_F(DisplayTest, IsFlushedAtTheEndOfEachText) {
+  closeTrivial();
+  solver.createPhase();
+  const std::string line = "[S sec, 0 itr]: obj = (0), mov = 0, inf < 0.1%, acc < 0.1%, imp = 0\n";
+  const std::vector<std::string> texts = {"\n" + solver.toString() + "\n", "\nPhase 0:\n" + line,
+                                          "\n" + line,
+                                          "0 iterations, 0 moves performed in S seconds\n"
+                                          "Optimal solution: obj = (0)\n\n"};
+  FlushNotingBuffer buffer;
+  redirect(buffer, [&] { solver.solve(); });
+  for (std::string& text : buffer.flushed) text = withoutSeconds(text);
+  EXPECT_EQ(buffer.flushed, texts);
+  EXPECT_EQ(buffer.str(), "") << "nothing waits to be written";
+}
+
+TEST_F(DisplayTest, IsFlushedAtTheEndWhereNoSearchRunsToo) {
+  buildInconsistent(*solver.getModel());
+  solver.getModel()->close();
+  FlushNotingBuffer buffer;
+  redirect(buffer, [&] { solver.solve(); });
+  ASSERT_FALSE(buffer.flushed.empty());
+  EXPECT_TRUE(buffer.flushed.back().ends_with("Inconsistent model.\n\n"));
+  EXPECT_EQ(buffer.str(), "");
+}
+
 TEST_F(DisplayTest, ShowsEachPhase) {
   closeTrivial();
   solver.createPhase();
@@ -451,6 +497,23 @@ TEST_F(DisplayTest, ShowsViolatedEqualitiesBeforeAllViolatedConstraints) {
   EXPECT_NE(text.find("\nInfeasible solution: infeas = (1, 1)\n\n"), std::string::npos) << text;
 }
 
+TEST_F(DisplayTest, CountsAViolatedInequalityInTheSecondNumberOnly) {
+  solver.getParam()->setAdvancedParam("preprocessingEnabled", 0);
+  OXModel& model = *solver.getModel();
+  const auto y = test::createDecisions(model, 3);
+  OXExpression* even = test::createWeightedSum(model, {y[0], y[1]}, 1);
+  even = model.createExpression(OXOperator::Prod, model.createConstant(2), even);
+  model.addConstraint(model.createExpression(OXOperator::Eq, even, model.createConstant(1)));
+  OXExpression* one = test::createSum(model, {y[2], model.createExpression(OXOperator::Not, y[2])});
+  model.addConstraint(model.createExpression(OXOperator::Leq, one, model.createConstant(0)));
+  model.addObjective(test::createSum(model, y), OXObjectiveDirection::Minimize);
+  model.close();
+  addPhase(500);
+  const std::string text = capture([&] { solver.solve(); });
+  EXPECT_NE(text.find("]: infeas = (1, 2), mov = 1000, "), std::string::npos) << text;
+  EXPECT_NE(text.find("\nInfeasible solution: infeas = (1, 2)\n\n"), std::string::npos) << text;
+}
+
 TEST_F(DisplayTest, OfAnInconsistentModelSaysSo) {
   buildInconsistent(*solver.getModel());
   solver.getModel()->close();
@@ -465,9 +528,13 @@ TEST_F(DisplayTest, ShowsEveryObjectiveInTheFormOfItsType) {
   model.addObjective(x2[0], OXObjectiveDirection::Minimize);
   model.addObjective(model.createConstant(2.5), OXObjectiveDirection::Minimize);
   model.addObjective(model.createConstant(7), OXObjectiveDirection::Maximize);
+  model.addObjective(model.createConstant(1234567.5), OXObjectiveDirection::Maximize);
+  model.addObjective(model.createConstant(1234567), OXObjectiveDirection::Maximize);
   model.close();
   const std::string text = capture([&] { solver.solve(); });
-  EXPECT_NE(text.find("Optimal solution: obj = (0, 2.5, 7)\n\n"), std::string::npos) << text;
+  const std::string values = "obj = (0, 2.5, 7, 1.23457e+06, 1234567)";
+  EXPECT_NE(text.find("]: " + values + ", mov = 0, "), std::string::npos) << text;
+  EXPECT_NE(text.find("\nOptimal solution: " + values + "\n\n"), std::string::npos) << text;
 }
 
 // getInfo and stop.
@@ -622,6 +689,113 @@ TEST_P(Reproducibility, TheSameSearchTwiceAndUnderLoad) {
 
 INSTANTIATE_TEST_SUITE_P(Threads, Reproducibility, testing::Values(1, 2, 4));
 
+/// As many tasks as people, each with exactly one of the other.
+void buildAssignment(OXModel& model) {
+  constexpr std::size_t kSize = 12;
+  const auto x = test::createDecisions(model, static_cast<int>(kSize * kSize));
+  OXExpression* one = model.createConstant(1);
+  for (std::size_t i = 0; i < kSize; ++i) {
+    OXExpression* row = model.createExpression(OXOperator::Sum);
+    OXExpression* column = model.createExpression(OXOperator::Sum);
+    for (std::size_t j = 0; j < kSize; ++j) {
+      row->addOperand(x[i * kSize + j]);
+      column->addOperand(x[j * kSize + i]);
+    }
+    model.addConstraint(model.createExpression(OXOperator::Eq, row, one));
+    model.addConstraint(model.createExpression(OXOperator::Eq, column, one));
+  }
+  model.addObjective(test::createWeightedSum(model, x, 3), OXObjectiveDirection::Minimize);
+}
+
+/// Roots, products and a capacity in doubles.
+void buildDoubles(OXModel& model) {
+  const auto x = test::createDecisions(model, 60);
+  OXExpression* weight = model.createExpression(OXOperator::Sum);
+  OXExpression* profit = model.createExpression(OXOperator::Sum);
+  for (int i = 0; i < 60; ++i) {
+    OXExpression* item = x[static_cast<std::size_t>(i)];
+    OXExpression* share = model.createConstant(0.1 + 0.037 * i);
+    weight->addOperand(model.createExpression(OXOperator::Prod, share, item));
+    OXExpression* pair = test::createSum(model, {item, x[static_cast<std::size_t>((i + 7) % 60)]});
+    OXExpression* root = model.createExpression(OXOperator::Sqrt, pair);
+    profit->addOperand(
+        model.createExpression(OXOperator::Prod, model.createConstant(1.0 / (i + 3)), root));
+  }
+  OXExpression* capacity = model.createConstant(17.3);
+  model.addConstraint(model.createExpression(OXOperator::Leq, weight, capacity));
+  model.addObjective(profit, OXObjectiveDirection::Maximize);
+}
+
+/// All that a search leaves in its workers, but for the times, in lines.
+std::string describeWorkers(const Ombrix& solver) {
+  std::ostringstream text;
+  for (const auto& worker : SolverRecord::workers(solver)) {
+    const Heuristic& heuristic = *worker->heuristic;
+    text << "rng " << worker->rng << ", iterations " << heuristic.nbIterations << ", best at "
+         << heuristic.bestIteration << "\n";
+    for (const auto& move : heuristic.movePool.moves) {
+      text << move->name << ": " << move->weight << " " << move->nbAttempted << " "
+           << move->nbAccepted << " " << move->nbRejected << " " << move->nbImprovements << " "
+           << move->nbInfeasibles << "\n";
+    }
+    for (const HeuristicStrategy* strategy : heuristic.strategies) strategy->printStatistics(text);
+  }
+  return text.str();
+}
+
+/// The public solution, doubles to the last bit.
+std::string describeSolution(const Ombrix& solver) {
+  const OXModel& model = *solver.getModel();
+  std::ostringstream text;
+  for (int i = 0; i < model.getNbDecisions(); ++i) text << model.getDecision(i)->getIntValue();
+  const OXExpression* objective = model.getObjective(0);
+  text << "\n" << std::hexfloat;
+  if (objective->isDouble()) {
+    text << objective->getDoubleValue();
+  } else {
+    text << objective->getIntValue();
+  }
+  return text.str() + "\n" + solver.getStatistics()->getInfo();
+}
+
+/// Gives the second worker draws of its own, which workers of one seed do not have.
+class PartingListener : public SearchListener {
+public:
+  explicit PartingListener(Ombrix& searched) : solver(searched) {}
+
+  void onImprovement(const Heuristic&) override {}
+  void onPhaseStart() override { SolverRecord::workers(solver)[1]->rng = 4711; }
+  void onSliceEnd() override {}
+
+private:
+  Ombrix& solver;
+};
+
+std::string searchToTheLastUnit(const std::function<void(OXModel&)>& build) {
+  Ombrix solver;
+  build(*solver.getModel());
+  solver.getModel()->close();
+  solver.getParam()->setVerbosity(0);
+  solver.getParam()->setNbThreads(2);
+  solver.getParam()->setSeed(7);
+  solver.getParam()->setAdvancedParam("syncIterations", 1500);
+  solver.createPhase()->setIterationLimit(20000);
+  PartingListener listener(solver);
+  SolverRecord::setSearchListener(solver, &listener);
+  solver.solve();
+  EXPECT_EQ(solver.getStatistics()->getNbMoves(), 40000);
+  EXPECT_EQ(solver.getSolution()->getStatus(), OXSolutionStatus::Feasible);
+  return describeWorkers(solver) + describeSolution(solver);
+}
+
+TEST(ReproducibilityToTheLastUnit, OfAModelOfListsWithExactlyOne) {
+  EXPECT_EQ(searchToTheLastUnit(buildAssignment), searchToTheLastUnit(buildAssignment));
+}
+
+TEST(ReproducibilityToTheLastUnit, OfAModelOfDoubles) {
+  EXPECT_EQ(searchToTheLastUnit(buildDoubles), searchToTheLastUnit(buildDoubles));
+}
+
 // Failures.
 
 TEST_F(SolveTest, AFailureOfAWorkerReachesTheCallerAndLosesNothing) {
@@ -642,6 +816,61 @@ TEST_F(SolveTest, AFailureOfAWorkerReachesTheCallerAndLosesNothing) {
   EXPECT_NO_THROW(solver.getStatistics()->toString());
   test::expectFailure(kMisuse, "Ombrix::solve", kStopped, [&] { solver.solve(); });
   solver.stop();
+}
+
+/// An environment keeps what the failed search had found, and the copy can go on from there.
+void expectSavedInFull(const Ombrix& solver, const std::string& extension) {
+  SCOPED_TRACE(extension);
+  const test::TemporaryFile file("", extension);
+  solver.saveEnvironment(file.path());
+  Ombrix copy;
+  copy.loadEnvironment(file.path());
+  EXPECT_EQ(test::describe(copy), test::describe(solver)) << "decisions included";
+  const long long found = solver.getModel()->getObjective(0)->getIntValue();
+  EXPECT_EQ(copy.getModel()->getObjective(0)->getIntValue(), found);
+  copy.getParam()->setObjectiveBound(0, found);
+  copy.solve();
+  EXPECT_EQ(copy.getStatistics()->getNbMoves(), 0) << "the bound is reached at the start";
+}
+
+TEST_F(SolveTest, AfterAFailureTheEnvironmentIsSavedWithAllThatWasFound) {
+  const auto x = test::buildDivisionByZero(*solver.getModel(), 6);
+  close();
+  EXPECT_THROW(solver.solve(), OXException);
+  ASSERT_EQ(solver.getState(), OXState::Paused);
+  const auto values = test::readValues(x);
+  EXPECT_GT(std::count(values.begin(), values.end(), 1), 0) << "there is something to lose";
+  for (const char* extension : {".oxm", ".oxm.gz", ".oxb", ".oxb.gz"}) {
+    expectSavedInFull(solver, extension);
+  }
+  EXPECT_EQ(test::readValues(x), values);
+  EXPECT_EQ(solver.getState(), OXState::Paused);
+}
+
+TEST_F(SolveTest, AFailureInTheGreedyPassReachesTheCallerAndLosesNothing) {
+  {
+    Ombrix failing;
+    OXModel& model = *failing.getModel();
+    const auto x = test::buildNoValueOnTheWay(failing);
+    model.close();
+    failing.getParam()->setVerbosity(0);
+    test::expectFailure(kComputation, "NodeDivide::eval", "Division by zero.",
+                        [&] { failing.solve(); });
+    EXPECT_EQ(failing.getState(), OXState::Paused);
+    EXPECT_EQ(failing.getSolution()->getStatus(), OXSolutionStatus::Infeasible);
+    EXPECT_EQ(model.getObjective(0)->getIntValue(), x[0]->getIntValue() + x[1]->getIntValue());
+    EXPECT_EQ(model.getConstraint(0)->getIntValue(), 0);
+    EXPECT_NE(failing.getInfo().find("]: infeas = (0, 1), mov = 0, "), std::string::npos)
+        << failing.getInfo();
+    test::expectFailure(kMisuse, "Ombrix::solve", kStopped, [&] { failing.solve(); });
+    failing.stop();
+    const test::TemporaryFile file("", ".oxm");
+    EXPECT_NO_THROW(failing.saveEnvironment(file.path()));
+  }
+  test::buildCovering(*solver.getModel(), 50);
+  close();
+  solveFor(1000);
+  EXPECT_EQ(status(), OXSolutionStatus::Feasible) << "another search, greedy pass included";
 }
 
 TEST_F(SolveTest, AProcessGoesOnAfterAFailedSolve) {

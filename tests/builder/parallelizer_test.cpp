@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <functional>
 #include <limits>
 #include <memory>
@@ -27,7 +28,7 @@ enum Event : std::int32_t { kTick = 0, kSync = 1, kPhaseStart = 2, kPhaseEnd = 3
 constexpr int kNoTimeLimit = std::numeric_limits<int>::max();
 constexpr long long kNoIterationLimit = std::numeric_limits<long long>::max();
 
-/// A move that throws when it is drawn.
+/// A move that calls what it was given when it is drawn, mostly to throw, and changes nothing.
 class FailingMove : public Move {
 public:
   FailingMove(Worker& worker, std::function<void()> thrower)
@@ -630,18 +631,62 @@ TEST_F(WorkerFailure, StopsTheOtherWorkers) {
   EXPECT_NO_THROW(search->getBestHeuristic());
 }
 
+/// The objective is computed in doubles, by a function that looks at the error number.
+class ErrorNumber : public ParallelizerTest {
+protected:
+  void closeRoot(int nbWorkers) {
+    OXModel& model = *solver.getModel();
+    const auto x = test::createDecisions(model, 40);
+    OXExpression* weight = test::createWeightedSum(model, x, 1);
+    OXExpression* capacity = model.createConstant(8000);
+    model.addConstraint(model.createExpression(OXOperator::Leq, weight, capacity));
+    OXExpression* profit = test::createWeightedSum(model, x, 77);
+    model.addObjective(model.createExpression(OXOperator::Sqrt, profit),
+                       OXObjectiveDirection::Maximize);
+    close(nbWorkers);
+  }
+
+  void runWithoutFailure() {
+    EXPECT_NO_THROW(run());
+    EXPECT_EQ(solver.getState(), OXState::Stopped);
+    EXPECT_EQ(heuristic(0).nbIterations, 5000u) << "the second phase had both limits";
+    EXPECT_GT(search->countPhase().nbAcceptedMoves, 0);
+  }
+};
+
+TEST_F(ErrorNumber, ThatARunLeavesOnItsThreadFailsNotTheNextRun) {
+  closeRoot(1);
+  addPhase(1000);
+  addPhase(4000);
+  int nbLeft = 0;
+  const auto leave = [&] {
+    if (search->getPhaseIndex() > 0) return;
+    ++nbLeft;
+    errno = EDOM;
+    search->requestStop();
+  };
+  heuristic(0).movePool.addMove(std::make_unique<FailingMove>(worker(0), leave));
+  createParallelizer();
+  runWithoutFailure();
+  EXPECT_EQ(nbLeft, 1) << "the first run ended there";
+}
+
+TEST_F(ErrorNumber, ThatACallbackLeavesFailsNothingOnTheControllingThread) {
+  solver.getParam()->setAdvancedParam("syncIterations", 500);
+  closeRoot(3);
+  addPhase(1000);
+  addPhase(4000);
+  createParallelizer();
+  onEvent = [&](std::int32_t event) {
+    // A worker that goes its own way has something to hand over and to take over.
+    if (event == kPhaseStart) worker(1).rng = 4711;
+    errno = EDOM;
+  };
+  runWithoutFailure();
+}
+
 TEST_F(ParallelizerTest, AFailureInTheGreedyPassIsThrownOnTheControllingThread) {
-  // Both decisions must be 1, which the passes over the model would find out without a search.
-  solver.getParam()->setAdvancedParam("preprocessingEnabled", 0);
-  OXModel& model = *solver.getModel();
-  const auto x = test::createDecisions(model, 2);
-  OXExpression* sum = test::createSum(model, x);
-  OXExpression* minusSum = model.createExpression(OXOperator::Prod, model.createConstant(-1), sum);
-  OXExpression* left = test::createSum(model, {model.createConstant(2), minusSum});
-  OXExpression* quotient = model.createExpression(OXOperator::Div, model.createConstant(2), left);
-  OXExpression* total = test::createSum(model, {quotient, sum});
-  model.addConstraint(model.createExpression(OXOperator::Geq, total, model.createConstant(4)));
-  model.addObjective(sum, OXObjectiveDirection::Minimize);
+  test::buildNoValueOnTheWay(solver);
   close(2);
   createParallelizer();
   try {

@@ -87,6 +87,22 @@ inline std::vector<OXExpression*> buildDivisionByZero(OXModel& model, int nbDeci
   return x;
 }
 
+/// Two decisions that must both be 1, where a quotient has no value: a search that starts at 0
+/// fails on its way. Preprocessing, which would find that out by itself, is switched off.
+inline std::vector<OXExpression*> buildNoValueOnTheWay(Ombrix& solver) {
+  solver.getParam()->setAdvancedParam("preprocessingEnabled", 0);
+  OXModel& model = *solver.getModel();
+  const std::vector<OXExpression*> x = createDecisions(model, 2);
+  OXExpression* sum = createSum(model, x);
+  OXExpression* minusSum = model.createExpression(OXOperator::Prod, model.createConstant(-1), sum);
+  OXExpression* left = createSum(model, {model.createConstant(2), minusSum});
+  OXExpression* quotient = model.createExpression(OXOperator::Div, model.createConstant(2), left);
+  OXExpression* total = createSum(model, {quotient, sum});
+  model.addConstraint(model.createExpression(OXOperator::Geq, total, model.createConstant(4)));
+  model.addObjective(sum, OXObjectiveDirection::Minimize);
+  return x;
+}
+
 inline std::vector<long long> readValues(const std::vector<OXExpression*>& expressions) {
   std::vector<long long> values;
   for (const OXExpression* expression : expressions) values.push_back(expression->getIntValue());
