@@ -48,6 +48,7 @@ const Settings& settingsOf(const std::string& family) {
       {"mip01", {9, {}}},
       {"nurse", {3, {}}},
       {"steelmill", {3, {}}},
+      {"maxcut", {9, {}}},
   };
   static const Settings kDefault;
   const auto found = kSettings.find(family);
