@@ -28,13 +28,14 @@ constexpr const char* kMainFooter =
     "  ombrix show mkp5x100.oxb.gz --limit 10\n"
     "  ombrix --version\n"
     "\n"
-    "Exit status: 0 a feasible or optimal solution was found, 2 none was found,\n"
-    "3 the model was proved inconsistent, 1 a usage, input or internal error.";
+    "Exit status of solve: 0 a feasible or optimal solution was found, 2 none was found,\n"
+    "3 the model was proved inconsistent. Other commands: 0 done. All: 1 a usage, input or\n"
+    "internal error.";
 
 constexpr const char* kSolveFooter =
-    "Without --time, --iterations or --phase the search runs until Ctrl-C. Ctrl-C and SIGTERM end\n"
-    "the search; the best solution found comes out as usual. Phases and parameters of an\n"
-    "environment file hold unless options are given; options for limits replace its phases.\n"
+    "Without --time, --iterations or --phase the search runs until Ctrl-C. Ctrl-C, SIGTERM and\n"
+    "SIGHUP end the search; the best solution found comes out as usual. Phases and parameters of\n"
+    "an environment file hold unless options are given; options for limits replace its phases.\n"
     "\n"
     "Examples:\n"
     "  ombrix solve model.opb --time 60 --threads 4 --solution best.txt\n"
@@ -48,7 +49,8 @@ constexpr const char* kSolveFooter =
 
 constexpr const char* kConvertFooter =
     "The name of TARGET tells its form: binary if it ends with .oxb or .oxb.gz, text otherwise,\n"
-    "compressed if it ends with .gz. Binary keeps everything; text is for reading.\n"
+    "compressed if it ends with .gz. Binary gives back exactly what it saved; text is for reading\n"
+    "and loses some of it (docs/files.md).\n"
     "\n"
     "Examples:\n"
     "  ombrix convert model.opb model.oxb.gz\n"
@@ -104,6 +106,7 @@ PhaseOptions parsePhase(const std::string& text) {
       phase.iterations = parseNumber<long long>(value, 1, context);
     } else if (key == "objective") {
       phase.objective = parseNumber<int>(value, 0, context);
+      phase.objectiveOption = context;
     } else {
       throw InputError("--phase: found \"" + key + "\", expected time, iterations or objective");
     }
@@ -112,12 +115,37 @@ PhaseOptions parsePhase(const std::string& text) {
   return phase;
 }
 
-/// What does not fit into 64 bits would be taken for the largest number that does.
-std::string checkIterations(const std::string& text) {
-  long long number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (result.ec != std::errc::result_out_of_range) return {};
-  return "Value " + text + " not in range 1 to " + std::to_string(LLONG_MAX);
+/// An integer in decimal digits, as the help and the failures tell it. It is written anew for the
+/// conversion behind, which would read octal digits behind a zero.
+template <typename Number>
+CLI::Validator integerFrom(Number lowest, Number largest) {
+  const std::string first = std::to_string(lowest);
+  const std::string last = std::to_string(largest);
+  const auto check = [=](std::string& text) -> std::string {
+    Number number{};
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    if (result.ec != std::errc() || result.ptr != end || number < lowest || number > largest) {
+      return "found \"" + text + "\", expected an integer from " + first + " to " + last;
+    }
+    text = std::to_string(number);
+    return {};
+  };
+  const bool isOpen = largest == std::numeric_limits<Number>::max();
+  return CLI::Validator(check, isOpen ? "from " + first : first + " to " + last);
+}
+
+int parseAdvancedValue(const std::string& text, const std::string& key) {
+  int number = 0;
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number);
+  if (result.ec == std::errc() && result.ptr == end) return number;
+  throw InputError("--set " + key + ": found \"" + text + "\", expected an integer of 32 bits");
+}
+
+/// An empty name would be noticed only when the file takes it at the end.
+std::string checkFileName(const std::string& name) {
+  return name.empty() ? "the name of the file is empty" : "";
 }
 
 OutputForm parseOutput(const std::string& text) {
@@ -140,13 +168,14 @@ public:
     show = app.add_subcommand("show", "Print MODEL as formulas, with its solution");
     info->footer(kInfoFooter);
     for (CLI::App* command : {solve, info, convert, show}) {
-      command->add_option("MODEL", line.model, "The model file")->required();
+      command->add_option("MODEL", line.model, "The model file")->required()->check(checkFileName);
     }
     describeConvert();
     describeShow();
     for (CLI::App* command : {solve, info}) {
       command
-          ->add_option("--set", assignments, "Set an advanced parameter; may be given repeatedly")
+          ->add_option("--set", assignments,
+                       "Set an advanced parameter, see docs/parameters.md; may be given repeatedly")
           ->type_name("KEY=VALUE")
           ->allow_extra_args(false);
     }
@@ -162,14 +191,18 @@ public:
     } catch (const CLI::CallForVersion& version) {
       return textOnly(version.what());
     } catch (const CLI::RequiredError& error) {
-      throw InputError(missingText(error) + " (see ombrix --help)");
+      failParsing(missingText(error));
+    } catch (const CLI::ArgumentMismatch& error) {
+      failParsing(missingValueText(error.what()));
+    } catch (const CLI::ExtrasError& error) {
+      failParsing(extraText(error));
     } catch (const CLI::ParseError& error) {
-      throw InputError(std::string(error.what()) + " (see ombrix --help)");
+      failParsing(error.what());
     }
     line.command = parsedCommand();
     for (const std::string& text : assignments) {
       const auto [key, value] = splitAssignment(text, "--set");
-      line.advancedParams.emplace_back(key, parseNumber<int>(value, INT_MIN, "--set " + key));
+      line.advancedParams.emplace_back(key, parseAdvancedValue(value, key));
     }
     parseBounds();
     if (trace) line.advancedParams.emplace_back("traceEnabled", 1);
@@ -200,75 +233,86 @@ private:
 
   void describeConvert() {
     convert->footer(kConvertFooter);
-    convert->add_option("TARGET", line.target, "The file to write")->required();
+    convert->add_option("TARGET", line.target, "The file to write")
+        ->required()
+        ->check(checkFileName);
   }
 
   void describeShow() {
     show->footer(kShowFooter);
     show->add_option("--limit", line.limit, "Print at most N items of each list and formula")
-        ->check(CLI::Range(0LL, LLONG_MAX))
+        ->transform(integerFrom(0LL, LLONG_MAX))
         ->type_name("N");
   }
 
   void describeSolve() {
     solve->footer(kSolveFooter);
     CLI::Option* phases = solve->add_option(
-        "--phase", phaseTexts, "Add a phase with limits of its own; may be given repeatedly");
+        "--phase", phaseTexts,
+        "Add a phase with limits of its own, each part of which may be left out; may be given "
+        "repeatedly");
     phases->type_name("time=SECONDS,iterations=N,objective=I")->allow_extra_args(false);
     CLI::Option* time = solve->add_option("--time", single.time, "Limit the search, in seconds");
-    time->check(CLI::Range(1, INT_MAX))->excludes(phases)->type_name("SECONDS");
+    time->transform(integerFrom(1, INT_MAX))->excludes(phases)->type_name("SECONDS");
     CLI::Option* iterations =
         solve->add_option("--iterations", single.iterations, "Limit the iterations of each thread");
-    iterations->check(CLI::Range(1LL, LLONG_MAX))->check(checkIterations);
-    iterations->excludes(phases)->type_name("N");
-    CLI::Option* objective = solve->add_option("--objective", single.objective,
-                                               "The index of the objective to optimise");
-    objective->check(CLI::Range(0, INT_MAX))->excludes(phases)->type_name("I");
+    iterations->transform(integerFrom(1LL, LLONG_MAX))->excludes(phases)->type_name("N");
+    CLI::Option* objective =
+        solve->add_option("--objective", single.objective,
+                          "The index of the objective to optimise, the last one if not given");
+    objective->transform(integerFrom(0, INT_MAX))->excludes(phases)->type_name("I");
     solve
         ->add_option(
             "--bound", bounds,
-            "Take objective I for reached at VALUE; the search ends once all objectives that "
-            "are optimised are reached; may be given repeatedly")
+            "End the search once objective I reaches VALUE (with several: once all that are "
+            "optimised do); may be given repeatedly")
         ->type_name("I=VALUE")
         ->allow_extra_args(false);
     solve->add_option("--threads", line.threads, "Number of search threads, 2 if not given")
-        ->check(CLI::Range(1, 1024))
+        ->transform(integerFrom(1, 1024))
         ->type_name("N");
     solve->add_option("--seed", line.seed, "Seed of the random draws, 0 if not given")
-        ->check(CLI::Range(0, INT_MAX))
+        ->transform(integerFrom(0, INT_MAX))
         ->type_name("N");
     solve
         ->add_option("--annealing-level", line.annealingLevel,
                      "Readiness to accept worse solutions, 0 to 9, 1 if not given")
-        ->check(CLI::Range(0, 9))
+        ->transform(integerFrom(0, 9))
         ->type_name("N");
     solve
         ->add_option("--verbosity", line.verbosity,
                      "Display of the engine: 0 none; if not given 1, with --output pb 0")
-        ->check(CLI::Range(0, INT_MAX))
+        ->transform(integerFrom(0, INT_MAX))
         ->type_name("N");
     solve
         ->add_option("--display-every", line.displayEvery,
                      "Seconds between two lines of the display, 1 if not given")
-        ->check(CLI::Range(1, 65535))
+        ->transform(integerFrom(1, 65535))
         ->type_name("SECONDS");
     solve
         ->add_option("--solution", line.solutionFile,
-                     "Write the solution, as the v lines of --output pb, to this file")
+                     "Write the solution, as the v lines of --output pb, to this file, if one was "
+                     "found; else the file stays as it was")
+        ->check(checkFileName)
         ->type_name("FILE");
     solve
         ->add_option("--save", line.environmentFile,
-                     "Write model, settings and solution to this environment file")
+                     "Write model, settings and solution to this environment file; its name tells "
+                     "the form as for convert")
+        ->check(checkFileName)
         ->type_name("FILE");
     solve
         ->add_option("--stats", line.statisticsFile,
                      "Write improvements and counters of the search as JSON to this file")
+        ->check(checkFileName)
         ->type_name("FILE");
     solve->add_flag("--trace", trace,
-                    "Show the tables of moves and strategies of every thread with each display");
+                    "Show the tables of moves and strategies of every thread with each display; "
+                    "needs --verbosity 1 or more, which --output pb does not set");
     solve
         ->add_option("--output", output,
-                     "plain, or pb for the lines of the pseudo-Boolean competitions")
+                     "plain if not given; pb, for OPB files only: the lines of the pseudo-Boolean "
+                     "competitions")
         ->type_name("plain|pb");
   }
 
@@ -277,6 +321,33 @@ private:
     const std::vector<std::string> unknown = app.remaining();
     if (unknown.empty()) return error.what();
     return "found \"" + unknown.front() + "\", expected solve, info, convert or show";
+  }
+
+  /// A value that is not there, by the word that the help has for it.
+  static std::string missingValueText(const std::string& told) {
+    static constexpr std::string_view kMark = ": 1 required ";
+    const std::size_t mark = told.find(kMark);
+    if (mark == std::string::npos) return told;
+    const std::size_t begin = mark + kMark.size();
+    return told.substr(0, mark) + ": " +
+           told.substr(begin, told.find_first_of(" :", begin) - begin) + " is missing";
+  }
+
+  /// The first of the arguments that nothing takes; an option first, as what follows it would be
+  /// its value.
+  std::string extraText(const CLI::ExtrasError& error) const {
+    const std::vector<std::string> extras = app.remaining(true);
+    if (extras.empty()) return error.what();
+    for (const std::string& extra : extras) {
+      if (extra.starts_with("-")) return "unknown option " + extra;
+    }
+    return "found \"" + extras.front() + "\", expected nothing more";
+  }
+
+  [[noreturn]] void failParsing(const std::string& text) const {
+    const std::vector<CLI::App*> parsed = app.get_subcommands();
+    const std::string command = parsed.empty() ? "" : " " + parsed.front()->get_name();
+    throw InputError(text + " (see ombrix" + command + " --help)");
   }
 
   static CommandLine textOnly(std::string text) {

@@ -13,6 +13,8 @@ struct PhaseOptions {
   std::optional<int> time;
   std::optional<long long> iterations;
   std::optional<int> objective;
+  /// The option that gives the objective.
+  std::string objectiveOption = "--objective";
 };
 
 enum class OutputForm { Plain, Pb };

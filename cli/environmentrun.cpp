@@ -10,6 +10,7 @@
 #include "cli/environmentfile.h"
 #include "cli/formulaprinter.h"
 #include "cli/inputerror.h"
+#include "cli/numbertext.h"
 #include "cli/searchoptions.h"
 #include "cli/searchrun.h"
 #include "cli/solutionwriter.h"
@@ -72,7 +73,7 @@ private:
       const OXExpression& objective = *model.getObjective(i);
       std::cout << "Objective: ";
       if (objective.isDouble()) {
-        std::cout << objective.getDoubleValue() << "\n";
+        std::cout << numberText(objective.getDoubleValue()) << "\n";
       } else {
         std::cout << objective.getIntValue() << "\n";
       }

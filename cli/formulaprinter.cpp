@@ -1,9 +1,9 @@
 #include "cli/formulaprinter.h"
 
 #include <algorithm>
-#include <sstream>
 
 #include "builder/operatortools.h"
+#include "cli/numbertext.h"
 
 namespace ombrix::cli {
 namespace {
@@ -20,14 +20,7 @@ bool isLeaf(const OXExpression& expr) {
 }
 
 std::string constantText(const OXExpression& expr) {
-  std::ostringstream text;
-  text.precision(17);
-  if (expr.isDouble()) {
-    text << expr.getDoubleValue();
-  } else {
-    text << expr.getIntValue();
-  }
-  return text.str();
+  return expr.isDouble() ? numberText(expr.getDoubleValue()) : std::to_string(expr.getIntValue());
 }
 
 /// An operator between its operands, and how closely it binds them.

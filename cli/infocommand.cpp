@@ -8,6 +8,7 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -74,11 +75,12 @@ void printPass(const PassReport& report) {
             << ", time = " << report.seconds << " sec\n";
 }
 
-/// Nodes are saved against one for each expression of the model.
+/// Nodes are saved against one for each expression of the model, or added where an expression needs
+/// several.
 void printCreation(const PassReport& report, const OXModel& model, const DagFixedFields& fields) {
   const long long nbSaved = model.getNbExpressions() - static_cast<long long>(fields.nbNodes);
-  std::cout << "  " << report.name << ": nodes saved = " << nbSaved << ", time = " << report.seconds
-            << " sec\n";
+  std::cout << "  " << report.name << (nbSaved >= 0 ? ": nodes saved = " : ": nodes added = ")
+            << std::abs(nbSaved) << ", time = " << report.seconds << " sec\n";
 }
 
 void printPasses(const OXModel& model) {

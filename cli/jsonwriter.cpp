@@ -1,10 +1,10 @@
 #include "cli/jsonwriter.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+
+#include "cli/numbertext.h"
 
 namespace ombrix::cli {
 namespace {
@@ -71,14 +71,10 @@ void JsonWriter::value(std::string_view content) {
 }
 
 void JsonWriter::value(double number) {
-  if (std::isnan(number)) {
-    value("nan");
-  } else if (std::isinf(number)) {
-    value(number > 0 ? "inf" : "-inf");
+  if (std::isfinite(number)) {
+    item(numberText(number));
   } else {
-    std::array<char, 32> digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-    item({digits.data(), end});
+    value(numberText(number));
   }
 }
 

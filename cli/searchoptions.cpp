@@ -36,6 +36,14 @@ Number boundFrom(const std::string& text, const std::string& expected) {
   throw InputError("--bound: found \"" + text + "\", expected " + expected);
 }
 
+void setOptimizedObjective(const PhaseOptions& options, OXPhase& phase) {
+  try {
+    phase.setOptimizedObjective(*options.objective);
+  } catch (const OXException& refusal) {
+    throw InputError(options.objectiveOption + ": " + refusal.getExplanation());
+  }
+}
+
 }  // namespace
 
 void setObjectiveBounds(const CommandLine& line, Ombrix& solver) {
@@ -43,8 +51,9 @@ void setObjectiveBounds(const CommandLine& line, Ombrix& solver) {
   OXParam& param = *solver.getParam();
   for (const auto& [index, text] : line.objectiveBounds) {
     if (index >= model.getNbObjectives()) {
-      throw InputError("--bound: found objective " + std::to_string(index) + ", expected one of " +
-                       std::to_string(model.getNbObjectives()) + ", counted from 0");
+      throw InputError("--bound: found objective " + std::to_string(index) +
+                       ", expected an index from 0 to " +
+                       std::to_string(model.getNbObjectives() - 1));
     }
     if (model.getObjective(index)->isDouble()) {
       param.setObjectiveBound(index, boundFrom<double>(text, "a finite number"));
@@ -89,7 +98,7 @@ void createPhases(const CommandLine& line, Ombrix& solver) {
     OXPhase& phase = *solver.createPhase();
     if (options.time) phase.setTimeLimit(*options.time);
     if (options.iterations) phase.setIterationLimit(*options.iterations);
-    if (options.objective) phase.setOptimizedObjective(*options.objective);
+    if (options.objective) setOptimizedObjective(options, phase);
   }
 }
 

@@ -15,7 +15,8 @@ void applyParameters(const CommandLine& line, Ombrix& solver);
 /// the model does not have and for a number that its type cannot take.
 void setObjectiveBounds(const CommandLine& line, Ombrix& solver);
 
-/// Adds the phases of the command line.
+/// Adds the phases of the command line. An InputError for an objective that the model does not
+/// have.
 void createPhases(const CommandLine& line, Ombrix& solver);
 
 /// Refuses two options that would write the same file with an InputError.

@@ -3,7 +3,6 @@
 #include <iostream>
 
 #include "cli/program.h"
-#include "cli/signalstopper.h"
 #include "cli/statisticstext.h"
 
 namespace ombrix::cli {
@@ -22,7 +21,7 @@ void SearchRun::setAdvancedParams() {
 
 void SearchRun::search(std::ostream* improvementLines) {
   recorder.emplace(solver, improvementLines);
-  const SignalStopper stopper(solver);
+  stopper.emplace(solver);
   solver.solve();
   recorder->restoreBest();
   status = solver.getSolution()->getStatus();
@@ -50,8 +49,9 @@ void SearchRun::printStatus() const {
 }
 
 void SearchRun::writeStatistics() {
-  if (!statisticsFile) return;
+  // What still waits in a buffer would be lost with a signal behind the end of the run.
   std::cout.flush();
+  if (!statisticsFile) return;
   statisticsFile->commit(statisticsText(line.model, solver, *recorder));
 }
 

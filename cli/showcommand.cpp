@@ -10,6 +10,7 @@
 
 #include "cli/environmentfile.h"
 #include "cli/formulaprinter.h"
+#include "cli/numbertext.h"
 #include "cli/program.h"
 
 namespace ombrix::cli {
@@ -109,13 +110,8 @@ private:
   /// A value may not exist where the decisions stand.
   std::string valueText(const OXExpression& expr) const {
     try {
-      std::ostringstream text;
-      if (expr.isDouble()) {
-        text << expr.getDoubleValue();
-      } else {
-        text << expr.getIntValue();
-      }
-      return text.str();
+      return expr.isDouble() ? numberText(expr.getDoubleValue())
+                             : std::to_string(expr.getIntValue());
     } catch (const OXException& failure) {
       return "none (" + failure.getExplanation() + ")";
     }

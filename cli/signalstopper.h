@@ -9,11 +9,13 @@
 
 namespace ombrix::cli {
 
-/// While it lives, SIGINT and SIGTERM end the search of a solver instead of the process.
+/// While it lives, SIGINT, SIGTERM and SIGHUP end the search of a solver instead of the process; a
+/// SIGHUP that is ignored stays ignored.
 ///
-/// The two signals are blocked for this thread and for those that it starts, and a thread of its
+/// The signals are blocked for this thread and for those that it starts, and a thread of its
 /// own waits for them, so no code runs in a signal handler. Once one has come, it asks for the stop
-/// again and again, since a stop between two phases is without effect.
+/// again and again, since a stop between two phases is without effect. What comes after the search
+/// is taken and has no effect.
 class SignalStopper {
 public:
   explicit SignalStopper(Ombrix& solver);

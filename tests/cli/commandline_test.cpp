@@ -155,11 +155,13 @@ TEST(CommandLine, MalformedAssignmentsAreRefused) {
   EXPECT_EQ(refusalOf({"solve", "m", "--set", "key"}), "--set: found \"key\", expected KEY=VALUE");
   EXPECT_EQ(refusalOf({"solve", "m", "--set", "=1"}), "--set: found \"=1\", expected KEY=VALUE");
   EXPECT_EQ(refusalOf({"solve", "m", "--set", "key=x"}),
-            "--set key: found \"x\", expected an integer of at least -2147483648");
+            "--set key: found \"x\", expected an integer of 32 bits");
   EXPECT_EQ(refusalOf({"solve", "m", "--set", "key=99999999999"}),
-            "--set key: found \"99999999999\", expected an integer of at most 2147483647");
+            "--set key: found \"99999999999\", expected an integer of 32 bits");
   EXPECT_EQ(refusalOf({"solve", "m", "--set", "key=-99999999999"}),
-            "--set key: found \"-99999999999\", expected an integer of at least -2147483648");
+            "--set key: found \"-99999999999\", expected an integer of 32 bits");
+  EXPECT_EQ(refusalOf({"info", "m", "--set", "key="}),
+            "--set key: found \"\", expected an integer of 32 bits");
 }
 
 TEST(CommandLine, AnUnknownCommandIsToldByItsName) {
@@ -167,10 +169,58 @@ TEST(CommandLine, AnUnknownCommandIsToldByItsName) {
             "found \"dance\", expected solve, info, convert or show (see ombrix --help)");
 }
 
+TEST(CommandLine, FailuresNameTheHelpOfTheirCommand) {
+  EXPECT_EQ(refusalOf({}), "A subcommand is required (see ombrix --help)");
+  EXPECT_EQ(refusalOf({"solve"}), "MODEL is required (see ombrix solve --help)");
+  EXPECT_EQ(refusalOf({"info"}), "MODEL is required (see ombrix info --help)");
+  EXPECT_EQ(refusalOf({"convert", "m"}), "TARGET is required (see ombrix convert --help)");
+  EXPECT_EQ(refusalOf({"show", "m", "--limit", "x"}),
+            "--limit: found \"x\", expected an integer from 0 to 9223372036854775807"
+            " (see ombrix show --help)");
+}
+
+TEST(CommandLine, WhatIsNoIntegerOfTheRangeIsRefused) {
+  for (const std::string wrong : {"abc", "1.5", "0", "-3", "0x10", "", "2147483648"}) {
+    EXPECT_EQ(refusalOf({"solve", "m", "--time", wrong.c_str()}),
+              "--time: found \"" + wrong +
+                  "\", expected an integer from 1 to 2147483647 (see ombrix solve --help)");
+  }
+  EXPECT_EQ(parse({"solve", "m", "--time", "010"}).phases[0].time, 10);
+}
+
+TEST(CommandLine, AnOptionWithoutItsValueIsTold) {
+  EXPECT_EQ(refusalOf({"solve", "m", "--time"}),
+            "--time: SECONDS is missing (see ombrix solve --help)");
+  EXPECT_EQ(refusalOf({"solve", "m", "--bound"}),
+            "--bound: I=VALUE is missing (see ombrix solve --help)");
+  EXPECT_EQ(refusalOf({"info", "m", "--set"}),
+            "--set: KEY=VALUE is missing (see ombrix info --help)");
+}
+
+TEST(CommandLine, ArgumentsThatNothingTakesAreTold) {
+  EXPECT_EQ(refusalOf({"solve", "m", "--tmie", "3"}),
+            "unknown option --tmie (see ombrix solve --help)");
+  EXPECT_EQ(refusalOf({"info", "m", "--time", "3"}),
+            "unknown option --time (see ombrix info --help)");
+  EXPECT_EQ(refusalOf({"solve", "m", "n"}),
+            "found \"n\", expected nothing more (see ombrix solve --help)");
+}
+
+TEST(CommandLine, TheNameOfAFileIsNotEmpty) {
+  for (const char* option : {"--solution", "--stats", "--save"}) {
+    EXPECT_EQ(refusalOf({"solve", "m", option, ""}),
+              option + std::string(": the name of the file is empty (see ombrix solve --help)"));
+  }
+  EXPECT_EQ(refusalOf({"convert", "m", ""}),
+            "TARGET: the name of the file is empty (see ombrix convert --help)");
+  EXPECT_EQ(refusalOf({"info", ""}),
+            "MODEL: the name of the file is empty (see ombrix info --help)");
+}
+
 TEST(CommandLine, IterationsBeyond64BitsAreRefused) {
   EXPECT_EQ(refusalOf({"solve", "m", "--iterations", "99999999999999999999"}),
-            "--iterations: Value 99999999999999999999 not in range 1 to 9223372036854775807"
-            " (see ombrix --help)");
+            "--iterations: found \"99999999999999999999\", expected an integer from 1 to "
+            "9223372036854775807 (see ombrix solve --help)");
   EXPECT_EQ(parse({"solve", "m", "--iterations", "9223372036854775807"}).phases[0].iterations,
             9223372036854775807);
 }

@@ -204,13 +204,22 @@ class Plain(ProgramTest):
     def test_a_bound_that_the_objective_cannot_take_is_refused(self):
         self.assert_failure(
             self.solve(COVER, "--bound", "1=4"),
-            "--bound: found objective 1, expected one of 1, counted from 0",
+            "--bound: found objective 1, expected an index from 0 to 0",
         )
         for wrong in ("1.5", "", "x", "99999999999999999999"):
             self.assert_failure(
                 self.solve(COVER, "--bound", "0=" + wrong),
                 '--bound: found "%s", expected an integer of 64 bits' % wrong,
             )
+
+    def test_display_every_spaces_the_lines_of_the_display(self):
+        lines = {}
+        for seconds in ("1", "1000"):
+            name = os.path.join(DATA, "scp200x1000.opb")
+            result = self.run_program("solve", name, "--time", "3", "--display-every", seconds)
+            self.assertEqual(result.returncode, 0, result)
+            lines[seconds] = len(re.findall(r"^\[.* sec, .* itr\]", result.stdout, re.MULTILINE))
+        self.assertGreater(lines["1"], lines["1000"])
 
     def test_the_same_seed_gives_the_same_run(self):
         name = os.path.join(DATA, "mkp5x100.opb")
@@ -362,6 +371,12 @@ class SolutionFile(ProgramTest):
         self.assertEqual(kinds[0], "c")
         self.assertEqual(kinds[-3:], ["v", "s", "v"])
 
+    def test_an_empty_name_is_told_before_the_search(self):
+        name = self.model(COVER)
+        for option in ("--solution", "--stats", "--save"):
+            result = self.run_program("solve", name, option, "")
+            self.assert_failure(result, option + ": the name of the file is empty")
+
     def test_a_place_that_cannot_be_written_is_told_before_the_search(self):
         name = self.model(COVER)
         result = self.run_program("solve", name, "--solution", "/no/such/folder/best.txt")
@@ -444,6 +459,17 @@ class Environments(ProgramTest):
         self.assertIn("Objectives:\n  minimize #13 = 3 * x1 + 2 * x2 + 2 * x3\n", shown)
         self.assertIn("Solution:\n  status = infeasible\n  objective 0 = 0\n", shown)
         self.assertTrue(shown.endswith("Decisions:\n  x1 = 0\n  x2 = 0\n  x3 = 0\n"))
+
+    def test_doubles_are_printed_with_all_their_digits(self):
+        with open(self.path("d.oxm"), "w", encoding="ascii") as stream:
+            stream.write('<OXM01>{"expressions"={{"type"="bool"},'
+                         '{"type"="const","value"=1234567.891},{"type"="prod"}},'
+                         '"operands"={{},{},{0,1}},"objectives"={{"idx"=2,"dir"="maximize"}}}')
+        solved = self.run_program("solve", "d.oxm", "--iterations", "100", "--save", "m.oxb")
+        self.assertIn("\nObjective: 1234567.891\n", self.assert_good(solved))
+        shown = self.assert_good(self.run_program("show", "m.oxb"))
+        self.assertIn("\n  objective 0 = 1234567.891\n", shown)
+        self.assertIn(" * 1234567.891\n", shown)
 
     def test_show_cuts_lists_at_the_limit(self):
         shown = self.assert_good(self.run_program("show", self.model(COVER), "--limit", "1"))
@@ -619,7 +645,7 @@ class Failures(ProgramTest):
         result = self.solve(COVER, "--objective", "1")
         self.assert_failure(
             result,
-            "Objective with index 1 does not exist. Only indices from 0 to 0 are currently allowed.",
+            "--objective: Objective with index 1 does not exist. Only indices from 0 to 0 are currently allowed.",
         )
 
     def test_a_closed_standard_output(self):
@@ -654,7 +680,11 @@ class Information(ProgramTest):
         result = self.run_program("info", self.model(COVER))
         self.assertEqual(result.returncode, 0, result)
         for text in (
+            "Model:\n  expressions = 14\n",
             "\n    bool = 3\n",
+            "\n  operands = 17\n",
+            "\n  expressions fixed = ",
+            "\n  nodes = ",
             "\n    geq = 2\n",
             "\n  decisions = 3\n",
             "\n  constraints = 2\n",
@@ -692,6 +722,19 @@ class Information(ProgramTest):
         self.assertRegex(report[3], "expressions replaced = [1-9]")
         self.assertRegex(report[4], "nodes saved = [1-9]")
 
+    def test_info_tells_nodes_added_where_expressions_need_several(self):
+        # Each product of the two arrays has a node of its own.
+        with open(self.path("s.oxm"), "w", encoding="ascii") as stream:
+            stream.write(
+                '<OXM01>{"expressions"={%s,{"type"="array"},{"type"="array"},{"type"="scalar"}},'
+                '"operands"={%s,{0,1,2,3,4,5},{6,7,8,9,10,11},{12,13}},"objectives"={{"idx"=14}}}'
+                % (",".join(['{"type"="bool"}'] * 12), ",".join(["{}"] * 12)))
+        result = self.run_program("info", "s.oxm")
+        self.assertEqual(result.returncode, 0, result)
+        nodes = int(re.search(r"\n  nodes = (\d+)\n", result.stdout).group(1))
+        self.assertGreater(nodes, 15)
+        self.assertIn(": nodes added = %d, " % (nodes - 15), result.stdout)
+
     def test_info_leaves_out_a_pass_that_is_off(self):
         result = self.run_program("info", self.model(COVER), "--set", "findUnariesEnabled=0")
         self.assertEqual(result.returncode, 0, result)
@@ -709,6 +752,7 @@ class Signals(ProgramTest):
             stdout=subprocess.PIPE,
             stderr=subprocess.PIPE,
             text=True,
+            preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_DFL),
         ) as process:
             lines = []
             for line in process.stdout:
@@ -755,6 +799,49 @@ class Signals(ProgramTest):
 
     def test_terminate(self):
         self.interrupted(signal.SIGTERM)
+
+    def test_the_end_of_the_terminal(self):
+        self.interrupted(signal.SIGHUP)
+
+    def test_an_ignored_end_of_the_terminal_is_ignored(self):
+        name = os.path.join(DATA, "scp200x1000.opb")
+        with subprocess.Popen(
+            [PROGRAM, "solve", name, "--output", "pb"], stdout=subprocess.PIPE, text=True,
+            preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN),
+        ) as process:
+            self.addCleanup(process.kill)
+            next(line for line in process.stdout if line.startswith("o "))
+            process.send_signal(signal.SIGHUP)
+            with self.assertRaises(subprocess.TimeoutExpired):
+                process.wait(0.5)
+            process.send_signal(signal.SIGINT)
+            process.communicate(timeout=60)
+
+    def test_ctrl_c_again_and_again_loses_nothing(self):
+        name = os.path.join(DATA, "scp200x1000.opb")
+        with subprocess.Popen(
+            [PROGRAM, "solve", name, "--solution", "best.txt", "--save", "m.oxb"],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True, cwd=self.folder,
+        ) as process:
+            self.addCleanup(process.kill)
+            lines = []
+            for line in process.stdout:
+                lines.append(line)
+                if line.startswith("[") and "obj" in line:
+                    break
+            began = time.monotonic()
+            while process.poll() is None and time.monotonic() - began < 60:
+                process.send_signal(signal.SIGINT)
+                time.sleep(0.001)
+            output = "".join(lines) + process.stdout.read()
+        # Behind the last line of output the signal may end the process as it does any other.
+        self.assertIn(process.returncode, (0, -signal.SIGINT))
+        told = re.search(r"\nStatus: feasible\nObjective: (\d+)\nDecisions:\n", output)
+        self.assertEqual(len(output[told.end():].splitlines()), 1000)
+        with open(self.path("best.txt"), encoding="ascii") as stream:
+            self.assertEqual(self.check(name, stream.read()), "objective " + told.group(1))
+        shown = self.run_program("show", "m.oxb", "--limit", "2")
+        self.assertIn("  objective 0 = %s\n" % told.group(1), shown.stdout)
 
     def test_one_signal_ends_all_phases(self):
         phases = []

@@ -43,10 +43,28 @@ TEST(SearchOptions, ABoundIsReadAsItsObjectiveNeedsIt) {
 }
 
 TEST(SearchOptions, ABoundThatItsObjectiveCannotTakeIsRefused) {
-  EXPECT_EQ(refusalOf("2", "1"), "--bound: found objective 2, expected one of 2, counted from 0");
+  EXPECT_EQ(refusalOf("2", "1"), "--bound: found objective 2, expected an index from 0 to 1");
   EXPECT_EQ(refusalOf("0", "1.5"), "--bound: found \"1.5\", expected an integer of 64 bits");
   for (const std::string wrong : {"", "x", "1x", "nan", "inf", "-inf", "1e400"}) {
     EXPECT_EQ(refusalOf("1", wrong), "--bound: found \"" + wrong + "\", expected a finite number");
+  }
+}
+
+TEST(SearchOptions, AnObjectiveThatIsNotThereIsToldByItsOption) {
+  for (const std::string option : {"--objective", "--phase objective"}) {
+    Ombrix solver;
+    buildTwoObjectives(solver);
+    CommandLine line;
+    line.phases.emplace_back().objective = 2;
+    line.phases.back().objectiveOption = option;
+    try {
+      createPhases(line, solver);
+      FAIL() << "accepted";
+    } catch (const InputError& error) {
+      EXPECT_TRUE(std::string(error.what())
+                      .starts_with(option + ": Objective with index 2 does not exist."))
+          << error.what();
+    }
   }
 }
 

@@ -42,6 +42,11 @@ TEST(SignalStopper, CtrlCEndsTheSearch) {
 TEST(SignalStopper, ATerminationEndsTheSearch) {
   interruptSearch(SIGTERM, 1);
 }
+TEST(SignalStopper, TheEndOfTheTerminalEndsTheSearch) {
+  const auto previous = std::signal(SIGHUP, SIG_DFL);
+  interruptSearch(SIGHUP, 1);
+  std::signal(SIGHUP, previous);
+}
 TEST(SignalStopper, OneSignalEndsAllPhases) {
   interruptSearch(SIGINT, 25);
 }
@@ -61,6 +66,31 @@ TEST(SignalStopper, GivesTheSignalsBack) {
   EXPECT_EQ(sigismember(&within, SIGTERM), 1);
   EXPECT_EQ(sigismember(&after, SIGINT), sigismember(&before, SIGINT));
   EXPECT_EQ(sigismember(&after, SIGTERM), sigismember(&before, SIGTERM));
+}
+
+TEST(SignalStopper, AnIgnoredEndOfTheTerminalStaysIgnored) {
+  const auto previous = std::signal(SIGHUP, SIG_IGN);
+  sigset_t within;
+  {
+    Ombrix solver;
+    const SignalStopper stopper(solver);
+    pthread_sigmask(SIG_SETMASK, nullptr, &within);
+  }
+  std::signal(SIGHUP, previous);
+  EXPECT_EQ(sigismember(&within, SIGHUP), 0);
+  EXPECT_EQ(sigismember(&within, SIGINT), 1);
+}
+
+TEST(SignalStopper, SignalsAfterTheSearchHaveNoEffect) {
+  Ombrix solver;
+  makeEndless(solver, 1);
+  solver.getPhase(0)->setIterationLimit(1000);
+  {
+    const SignalStopper stopper(solver);
+    solver.solve();
+    for (const int signal : {SIGINT, SIGTERM, SIGINT}) kill(getpid(), signal);
+  }
+  EXPECT_EQ(solver.getSolution()->getStatus(), OXSolutionStatus::Feasible);
 }
 
 }  // namespace
