@@ -24,6 +24,13 @@ Number parse(const std::string& text, const char* name) {
   return value;
 }
 
+/// Opens the file, if one is named, and leaves what it holds: better to fail now than after the
+/// search.
+void requireWritable(const std::string& fileName) {
+  if (fileName.empty() || std::ofstream(fileName, std::ios::app)) return;
+  throw std::runtime_error("Cannot write file " + fileName);
+}
+
 Arguments parseArguments(int argc, char** argv) {
   if (argc < 2 || argc > 5) throw std::runtime_error(kUsage);
   Arguments arguments;
@@ -35,7 +42,12 @@ Arguments parseArguments(int argc, char** argv) {
     arguments.bestKnown = parse<double>(argv[3], "BEST_KNOWN");
   }
   if (argc > 4) arguments.solutionFile = argv[4];
+  requireWritable(arguments.solutionFile);
   return arguments;
+}
+
+bool isHelpWanted(int argc, char** argv) {
+  return argc == 2 && (std::string(argv[1]) == "-h" || std::string(argv[1]) == "--help");
 }
 
 void writeSolution(const std::string& fileName, const std::vector<long long>& solution) {
@@ -57,6 +69,10 @@ bool isFeasible(OXSolutionStatus status) {
 }  // namespace
 
 int runExample(int argc, char** argv, const std::function<void(const Arguments&)>& body) {
+  if (isHelpWanted(argc, argv)) {
+    std::cout << kUsage << '\n';
+    return EXIT_SUCCESS;
+  }
   try {
     body(parseArguments(argc, argv));
     return EXIT_SUCCESS;

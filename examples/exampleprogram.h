@@ -19,7 +19,9 @@ struct Arguments {
 };
 
 /// Runs an example: reads the command line (INSTANCE [SECONDS [BEST_KNOWN [SOLUTION_FILE]]]), calls
-/// the body, and turns a failure into one line on the standard error and the exit status 1.
+/// the body, and turns a failure into one line on the standard error and the exit status 1. With -h
+/// or --help alone it prints the usage. A solution file that cannot be written fails before the
+/// body; one that was not there is empty until report fills it.
 int runExample(int argc, char** argv, const std::function<void(const Arguments&)>& body);
 
 /// Searches for the given time, with the engine's own display: in the first phase, which is new

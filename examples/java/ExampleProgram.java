@@ -3,6 +3,7 @@ import java.math.BigDecimal;
 import java.math.MathContext;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.nio.file.StandardOpenOption;
 import java.util.ArrayList;
 import java.util.List;
 import ombrix.OXException;
@@ -30,7 +31,7 @@ final class ExampleProgram {
     void run(ExampleProgram program) throws IOException;
   }
 
-  private ExampleProgram(String[] args) {
+  private ExampleProgram(String[] args) throws IOException {
     if (args.length < 1 || args.length > 4) {
       throw new IllegalArgumentException(USAGE);
     }
@@ -47,6 +48,8 @@ final class ExampleProgram {
     }
     if (args.length > 3) {
       solutionFile = Path.of(args[3]);
+      // Opened now and left as it is: better to fail before the search than after it.
+      Files.newOutputStream(solutionFile, StandardOpenOption.CREATE, StandardOpenOption.APPEND).close();
     }
   }
 
@@ -59,8 +62,15 @@ final class ExampleProgram {
     }
   }
 
-  /** Runs an example; a failure becomes one line on the standard error and the exit status 1. */
+  /**
+   * Runs an example; a failure becomes one line on the standard error and the exit status 1. With -h or --help
+   * alone it prints the usage.
+   */
   static void run(String[] args, Body body) {
+    if (args.length == 1 && (args[0].equals("-h") || args[0].equals("--help"))) {
+      System.out.println(USAGE);
+      return;
+    }
     try {
       body.run(new ExampleProgram(args));
     } catch (OXException | IllegalArgumentException e) {

@@ -10,6 +10,7 @@ import re
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 ENVIRONMENT = ".oxb.gz"
@@ -112,12 +113,30 @@ class Examples(unittest.TestCase):
             ([os.path.join(options.data, "bins120.txt")], "expected"),
             ([os.path.join(options.data, "absent.txt")], "absent.txt"),
             ([os.path.join(options.data, "absent.oxb.gz")], "absent.oxb.gz"),
+            ([os.path.join(options.data, "timetable8.txt"), "60", "-", "/no/such/file"],
+             "/no/such/file"),
         ):
             with self.subTest(arguments):
                 done = run(command + arguments)
                 self.assertEqual(1, done.returncode)
                 self.assertIn(expected, done.stderr)
                 self.assertEqual(1, done.stderr.count("\n"), done.stderr)
+
+    def test_a_solution_file_that_cannot_be_written_is_told_before_the_search(self):
+        command = command_of("knapsack", "Knapsack")
+        instance = os.path.join(options.data, "mkp5x100.txt")
+        began = time.monotonic()
+        done = run(command + [instance, "60", "-", os.path.dirname(self.solution)])
+        self.assertEqual((1, ""), (done.returncode, done.stdout))
+        self.assertIn(os.path.dirname(self.solution), done.stderr)
+        self.assertLess(time.monotonic() - began, 30)
+
+    def test_help(self):
+        for wanted in ("-h", "--help"):
+            done = run(command_of("knapsack", "Knapsack") + [wanted])
+            self.assertEqual(
+                (0, "usage: PROGRAM INSTANCE [SECONDS [BEST_KNOWN [SOLUTION_FILE]]]\n", ""),
+                (done.returncode, done.stdout, done.stderr))
 
 
 if __name__ == "__main__":
