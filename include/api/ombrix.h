@@ -63,12 +63,16 @@ public:
   ///
   /// A solver without a phase gets a default one, which stays. The search starts from the decisions
   /// in getSolution() and leaves the best solution found there, with its status. Limits of phases
-  /// are cumulative, and the running time and iterations told by the statistics of the phases count
-  /// against them: see OXPhase::setTimeLimit. Parameters are read anew by every call.
+  /// are cumulative, and the running time told by the statistics of the phases counts against them,
+  /// so raise or re-set time limits before solving again: see OXPhase::setTimeLimit. Parameters are
+  /// read anew by every call.
   ///
-  /// Code 5: the model has no value at some assignment met by the search. Code 6: the closing of
-  /// the model had failed on the way; open, repair and close it again. After a failure the state
-  /// may stay Paused: reads still work, and the solver can be destroyed.
+  /// Code 1: the advanced parameter "dumpEnabled" is set and dump.oxm.gz cannot be written. Code 5:
+  /// the model has no value at some assignment met by the search. Code 6: the closing of the model
+  /// had failed on the way; open, repair and close it again. Also code 6: "targetingLevel" is
+  /// beyond
+  /// 10. After a failure the state may stay Paused: reads still work, and the solver can be
+  /// destroyed.
   void solve();
 
   /// Asks the running phase to end; returns at once, and solve goes on with the next phase or
@@ -98,7 +102,8 @@ public:
   std::string toString() const;
 
   /// Time, iterations, objectives and moves of the search in one line. In states Paused and
-  /// Stopped, once solve has been called.
+  /// Stopped, once a search has begun since the model was closed (an inconsistent model is not
+  /// searched), else code 0.
   std::string getInfo() const;
 
   /// Writes model, phases, parameters and solution to a file, in the format that its name tells:

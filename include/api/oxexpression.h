@@ -102,8 +102,8 @@ public:
 
   /// Index, operator and name, as in "Expression 3 (type = sum, name = total)".
   std::string toString() const;
-  /// The text of toString, the roles of the expression and, for a constant or once solve has been
-  /// called, its value; one line each. Code 5 as for getIntValue.
+  /// The text of toString, the roles of the expression and, for a constant or once a search has
+  /// begun since the model was closed, its value; one line each. Code 5 as for getIntValue.
   std::string getInfo() const;
 
 private:

@@ -46,9 +46,10 @@ public:
   void setTimeBetweenDisplays(int timeBetweenDisplays);
   int getTimeBetweenDisplays() const;
 
-  /// The value at which an objective, given by its index, counts as reached: the search stops
-  /// there. The smallest integer (minimizing) and the largest (maximizing) mean no bound. The
-  /// bounds survive opening and closing as long as the type of the objective stays. Code 0: no such
+  /// The value at which an objective, given by its index, counts as reached: the search ends once
+  /// all objectives up to the optimised one are. The smallest integer (minimizing) and the largest
+  /// (maximizing) mean no bound. The bounds survive opening and closing as long as the type of the
+  /// objective stays, but that of a constant objective is overwritten at close. Code 0: no such
   /// objective. Code 2: the objective is neither boolean nor integer.
   void setIntObjectiveBound(int objective, long long bound);
 

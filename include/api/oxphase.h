@@ -35,8 +35,8 @@ public:
   int getTimeLimit() const;
 
   /// The limit of each worker's iterations, at least 1, else code 0; 9223372036854775807, the value
-  /// at first, means none. It counts with the phases before as the time limit does. In state
-  /// Stopped only.
+  /// at first, means none. It adds up with the phases before as the time limit does; every solve
+  /// counts from 0 again. In state Stopped only.
   void setIterationLimit(long long iterationLimit);
   /// The iteration limit. In states Paused and Stopped.
   long long getIterationLimit() const;

@@ -33,7 +33,8 @@ public:
   /// Sets a boolean decision to 0 or 1; all values derived from decisions are forgotten. In state
   /// Stopped only. Code 0: the expression is no decision, or the value is not allowed.
   void setIntValue(OXExpression* expr, long long value);
-  /// The same for a decision of type double; decisions are boolean, so it ends with code 2.
+  /// Always fails, as decisions are boolean: code 2 for a boolean or integer expression, code 0 for
+  /// one of type double.
   void setDoubleValue(OXExpression* expr, double value);
   /// setIntValue or setDoubleValue, by the type of the value.
   void setValue(OXExpression* expr, long long value);

@@ -14,7 +14,8 @@ struct SearchCounters;
 /// Unless told otherwise the operations are allowed in states Paused and Stopped.
 ///
 /// Moves are summed over all threads; iterations are those of the thread that holds the best
-/// solution.
+/// solution. Every solve sets all counters to 0 but the running time, which it takes into account
+/// for the limits and counts afresh as its phases run.
 class OXStatistics {
 public:
   OXStatistics(const OXStatistics&) = delete;
@@ -24,15 +25,17 @@ public:
   /// The solver that owns the statistics. Any state.
   Ombrix* getOmbrix() const;
 
-  /// The time spent searching, in seconds.
+  /// The time spent searching, in whole seconds.
   int getRunningTime() const;
+  /// The iterations of the thread that holds the best solution.
   long long getNbIterations() const;
+  /// The moves of all threads: each iteration of a thread tries one.
   long long getNbMoves() const;
   /// Moves that were kept.
   long long getNbAcceptedMoves() const;
   /// Moves that were kept and made the solution better.
   long long getNbImprovingMoves() const;
-  /// Moves that were not kept.
+  /// Moves that were not kept, those of getNbInfeasibleMoves included.
   long long getNbRejectedMoves() const;
   /// Moves that were given up because they violate constraints.
   long long getNbInfeasibleMoves() const;
@@ -46,7 +49,8 @@ public:
   /// All counters in three lines.
   std::string toString() const;
 
-  /// The moves in one piece of a line. Once solve has been called, else code 0.
+  /// The moves in one piece of a line. Once a search has begun since the model was closed (an
+  /// inconsistent model is not searched), else code 0.
   std::string getInfo() const;
 
 private:

@@ -5,8 +5,8 @@
 
 namespace ombrix {
 
-/// What build of the library this is. The values are fixed when the library is built; every
-/// operation is allowed at any time and from any thread.
+/// The version of the library. The values are constants of the version, the build date included;
+/// every operation is allowed at any time and from any thread.
 class OXVersion {
 public:
   static int getMajorVersionNumber();
