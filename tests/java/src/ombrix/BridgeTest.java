@@ -7,8 +7,12 @@ import static org.junit.jupiter.api.Assertions.assertSame;
 import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
+import java.nio.file.Path;
+import java.util.concurrent.Callable;
+import java.util.concurrent.FutureTask;
 import org.junit.jupiter.api.AfterEach;
 import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
 
 /** Handles, strings, failures and lifetimes across the boundary. */
 class BridgeTest {
@@ -196,6 +200,91 @@ class BridgeTest {
     ombrixnativejavaJNI.delete_Ombrix(0);
     ombrixnativejavaJNI.delete_OXVersion(0);
     ombrixnativejavaJNI.delete_OXException(0);
+  }
+
+  private static final int DEPTH = 300000;
+
+  /** Too little stack for one native frame a level, as threads of servers have it. */
+  private static <T> T onASmallStack(Callable<T> work) throws Exception {
+    FutureTask<T> task = new FutureTask<>(work);
+    new Thread(null, task, "small stack", 512 << 10).start();
+    return task.get();
+  }
+
+  /** A chain of sums, each created before its operand; returns the last one, still without any. */
+  private static OXExpression buildChain(OXModel model) {
+    OXExpression first = model.createExpression(OXOperator.Sum);
+    model.addObjective(first, OXObjectiveDirection.Maximize);
+    OXExpression last = first;
+    for (int i = 1; i < DEPTH; i++) {
+      OXExpression next = model.createExpression(OXOperator.Sum);
+      last.addOperand(next);
+      last = next;
+    }
+    return last;
+  }
+
+  private static Void closeSaveAndLoadAChain(int preprocessingEnabled, String file) {
+    try (Ombrix deep = new Ombrix()) {
+      OXModel chain = deep.getModel();
+      OXExpression x = chain.createExpression(OXOperator.Bool);
+      OXExpression top = x;
+      for (int i = 0; i < DEPTH; i++) {
+        top = chain.createExpression(OXOperator.Sum, top);
+      }
+      chain.addObjective(top, OXObjectiveDirection.Maximize);
+      deep.getParam().setAdvancedParam("preprocessingEnabled", preprocessingEnabled);
+      chain.close();
+      assertEquals(0, top.getValue());
+      x.setValue(1L);
+      assertEquals(1, top.getValue());
+      deep.saveEnvironment(file);
+    }
+    try (Ombrix loaded = Ombrix.fromEnvironment(file)) {
+      assertEquals(DEPTH + 1, loaded.getModel().getNbExpressions());
+      assertEquals(1, loaded.getModel().getObjective(0).getValue());
+    }
+    return null;
+  }
+
+  @Test
+  void aDeepModelIsClosedReadSavedAndLoadedOnASmallStack(@TempDir Path folder) throws Exception {
+    String file = folder.resolve("deep.oxb").toString();
+    onASmallStack(() -> closeSaveAndLoadAChain(0, file));
+    onASmallStack(() -> closeSaveAndLoadAChain(1, file));
+  }
+
+  @Test
+  void aDeepModelCreatedFromTheTopIsClosedAndReadOnASmallStack() throws Exception {
+    long value =
+        onASmallStack(
+            () -> {
+              buildChain(model).addOperand(3L);
+              ombrix.getParam().setAdvancedParam("preprocessingEnabled", 0);
+              model.close();
+              return model.getObjective(0).getValue();
+            });
+    assertEquals(3, value);
+  }
+
+  @Test
+  void aCycleBelowADeepChainIsFoundOnASmallStack() throws Exception {
+    OXException failure =
+        onASmallStack(
+            () -> {
+              OXExpression last = buildChain(model);
+              last.addOperand(last);
+              return assertThrows(OXException.class, model::close);
+            });
+    assertEquals(2, failure.getCode());
+    String head =
+        "A cycle of length " + DEPTH + " was detected in the model : \n"
+            + "  - Expression 0 (type = sum)\n"
+            + "  - Expression 1 (type = sum)\n";
+    assertEquals(head, failure.getMessage().substring(0, head.length()));
+    assertTrue(
+        failure.getMessage().endsWith("\n  - Expression " + (DEPTH - 1) + " (type = sum)\n"));
+    assertEquals(OXState.Modeling, ombrix.getState());
   }
 
   @Test

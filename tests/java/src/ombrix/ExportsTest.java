@@ -2,11 +2,17 @@ package ombrix;
 
 import static org.junit.jupiter.api.Assertions.assertEquals;
 import static org.junit.jupiter.api.Assertions.assertFalse;
+import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.io.IOException;
+import java.lang.reflect.Method;
+import java.lang.reflect.Modifier;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.Collections;
+import java.util.List;
 import java.util.Set;
 import java.util.TreeSet;
 import org.junit.jupiter.api.Test;
@@ -97,5 +103,88 @@ class ExportsTest {
   void everyFailureNamesItsExport() throws IOException {
     byte[] library = Files.readAllBytes(Path.of(System.getProperty("ombrix.library")));
     assertFalse(new String(library, StandardCharsets.ISO_8859_1).contains("$wrapname"));
+  }
+
+  private static final List<Class<?>> PROXIES =
+      List.of(
+          Ombrix.class, OXModel.class, OXExpression.class, OXParam.class, OXPhase.class,
+          OXSolution.class, OXStatistics.class, OXVersion.class);
+
+  /** Public methods of the proxies that are not native operations under the same name. */
+  private static final Set<String> WRITTEN_IN_JAVA =
+      Set.of(
+          "Ombrix.fromEnvironment", "Ombrix.close", "Ombrix.delete", "OXVersion.delete");
+
+  private static boolean isOperation(Method method) {
+    String name = method.getDeclaringClass().getSimpleName() + "." + method.getName();
+    return Modifier.isPublic(method.getModifiers())
+        && !WRITTEN_IN_JAVA.contains(name)
+        && !method.getName().equals("equals")
+        && !method.getName().equals("hashCode");
+  }
+
+  /** An object crosses as its handle and the proxy that keeps it, an enumeration as a number. */
+  private static void addNativeTypes(Class<?> type, List<String> types) {
+    if (type.isEnum()) {
+      types.add("int");
+    } else {
+      if (PROXIES.contains(type)) {
+        types.add("long");
+      }
+      types.add(type.getSimpleName());
+    }
+  }
+
+  private static String nativeFormOf(Method operation) {
+    Class<?> owner = operation.getDeclaringClass();
+    List<String> types = new ArrayList<>();
+    if (!Modifier.isStatic(operation.getModifiers())) {
+      addNativeTypes(owner, types);
+    }
+    for (Class<?> type : operation.getParameterTypes()) {
+      addNativeTypes(type, types);
+    }
+    List<String> result = new ArrayList<>();
+    addNativeTypes(operation.getReturnType(), result);
+    return result.get(0) + " " + owner.getSimpleName() + "_" + operation.getName() + types;
+  }
+
+  private static String formOf(Method function) {
+    List<String> types = new ArrayList<>();
+    for (Class<?> type : function.getParameterTypes()) {
+      types.add(type.getSimpleName());
+    }
+    String name = function.getName().replaceFirst("__SWIG_\\d+$", "");
+    return function.getReturnType().getSimpleName() + " " + name + types;
+  }
+
+  @Test
+  void everyObjectArgumentIsItsHandleAndItsProxyAndADeleteTakesTheHandleAlone() {
+    List<String> forms = new ArrayList<>();
+    forms.add("long new_Ombrix[]");
+    forms.add("void delete_Ombrix[long]");
+    forms.add("void delete_OXVersion[long]");
+    forms.add("void delete_OXException[long]");
+    for (Class<?> proxy : PROXIES) {
+      for (Method method : proxy.getDeclaredMethods()) {
+        if (isOperation(method)) {
+          forms.add(nativeFormOf(method));
+        }
+      }
+    }
+    Collections.sort(forms);
+    List<String> declared = new ArrayList<>();
+    for (Method method : ombrixnativejavaJNI.class.getDeclaredMethods()) {
+      if (Modifier.isNative(method.getModifiers())) {
+        declared.add(formOf(method));
+      }
+    }
+    Collections.sort(declared);
+    assertEquals(159, declared.size());
+    assertEquals(String.join("\n", forms), String.join("\n", declared));
+    assertTrue(
+        declared.contains("void OXModel_addConstraint[long, OXModel, long, OXExpression]"));
+    assertTrue(
+        declared.contains("long OXModel_createExpression[long, OXModel, int, long, OXExpression]"));
   }
 }
