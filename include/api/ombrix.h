@@ -69,10 +69,8 @@ public:
   ///
   /// Code 1: the advanced parameter "dumpEnabled" is set and dump.oxm.gz cannot be written. Code 5:
   /// the model has no value at some assignment met by the search. Code 6: the closing of the model
-  /// had failed on the way; open, repair and close it again. Also code 6: "targetingLevel" is
-  /// beyond
-  /// 10. After a failure the state may stay Paused: reads still work, and the solver can be
-  /// destroyed.
+  /// had failed on the way (open, repair and close it again), or "targetingLevel" is beyond 10.
+  /// After a failure the state may stay Paused: reads still work, and the solver can be destroyed.
   void solve();
 
   /// Asks the running phase to end; returns at once, and solve goes on with the next phase or
