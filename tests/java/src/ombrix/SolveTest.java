@@ -163,6 +163,6 @@ class SolveTest {
     long first = growthOfAThousandCycles();
     long second = growthOfAThousandCycles();
     assertTrue(
-        second < 4L << 20, "resident memory grew by " + first + " and then " + second + " bytes");
+        second < 8L << 20, "resident memory grew by " + first + " and then " + second + " bytes");
   }
 }
